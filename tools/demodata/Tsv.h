@@ -1,0 +1,58 @@
+// Tab-separated files as LOAD DATA reads them, and the script that loads them.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace demodata {
+
+// One table's file, written row by row. Throws std::runtime_error when it cannot be written.
+class TsvFile {
+  public:
+    // Creates <folder>/<table>.tsv, or replaces it.
+    TsvFile(const std::string& folder, const std::string& table);
+    ~TsvFile();
+    TsvFile(const TsvFile&) = delete;
+    TsvFile& operator=(const TsvFile&) = delete;
+
+    // Appends a field; tabs, line breaks and backslashes in it are escaped.
+    TsvFile& Text(std::string_view value);
+    // Appends a field that is known to hold nothing to escape.
+    TsvFile& Plain(std::string_view value);
+    TsvFile& Number(int64_t value);
+    TsvFile& Null();
+    void EndRow();
+    // Writes what is left. Call it once, after the last row.
+    void Finish();
+
+  private:
+    void Separate();
+    void Flush();
+
+    std::string path_;
+    FILE* file_;
+    std::string buffer_;
+    bool rowStarted_ = false;
+};
+
+// The tables written, in loading order, each with its columns as the load statement names them.
+class LoadScript {
+  public:
+    void Add(const std::string& table, const std::string& columns) {
+        tables_.push_back({table, columns});
+    }
+    // Writes <folder>/load.sql, which empties the tables and loads the files beside it.
+    void Write(const std::string& folder) const;
+
+  private:
+    struct Table {
+        std::string name;
+        std::string columns;
+    };
+    std::vector<Table> tables_;
+};
+
+}  // namespace demodata
