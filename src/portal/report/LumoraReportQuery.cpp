@@ -1,0 +1,223 @@
+#include "portal/report/LumoraReportQuery.h"
+
+#include <strings.h>
+#include <cstring>
+
+#include "common/SqlText.h"
+#include "common/ThrowText.h"
+#include "portal/context/PortalContext.h"
+#include "portal/report/ReportEntity.h"
+#include "portal/report/ReportPeriod.h"
+#include "portal/report/ReportPlaceholders.h"
+
+namespace {
+
+constexpr char kInternalOnly[] = " AND CallLog.A_Trunk='' AND CallLog.B_Trunk='' ";
+constexpr char kExternalOnly[] = " AND (CallLog.A_Trunk!='' OR CallLog.B_Trunk!='') ";
+constexpr char kInternalTrunksSql[] =
+    "SELECT QUOTE(dn) FROM LDAPTrunks WHERE customerId='%s' AND description LIKE '%%internal%%'";
+// The caller's own customer comes last, so that it overrides others of its search group.
+constexpr char kWeekSql[] =
+    "SELECT AttribName, AttribValue FROM CustomerAttribute WHERE CustomerId IN ('%s') "
+    "AND AttribName IN ('startday','weeklength') ORDER BY CustomerId='%s', AttribName";
+enum { kWeekName, kWeekValue };
+constexpr char kShiftSql[] =
+    "SELECT AttribValue * 3600 * (1+DATEDIFF('%s','%s')) FROM CustomerAttribute "
+    "WHERE AttribName='shiftlength' AND CustomerId IN ('%s') ORDER BY CustomerId='%s'";
+// An SLA that is not chosen, or not the customer's, has thresholds that no call reaches.
+constexpr char kSlaSql[] =
+    "SELECT * FROM (  SELECT 9999999 AS answerSLA, 9999999 AS handleSLA  "
+    "UNION SELECT answerSLA, handleSLA FROM CallCentreSLAs  WHERE customerid IN('%s') AND id=%s) "
+    "AS t ORDER BY answerSLA LIMIT 1";
+enum { kAnswerSla, kHandleSla };
+constexpr char kResponseSlaSql[] =
+    "SELECT responseSLA FROM FrontSLAs WHERE customerid IN('%s') AND id=%s";
+constexpr char kNoSla[] = "9999999";
+
+std::string Escaped(const UString& text) {
+    return std::string(SqlQuoted(text).text());
+}
+
+// The text, or `def` when nothing was given.
+std::string Given(const UString& text, const char* def) {
+    return text.IsEmpty() ? def : text.c_str();
+}
+
+std::string Truth(bool value) {
+    return value ? "TRUE" : "FALSE";
+}
+
+}  // namespace
+
+LumoraReportQuery::LumoraReportQuery(PortalContext& ctx, const char* templateText,
+                                     const LumoraReportFilter& filter, const char* agentDispName,
+                                     const char* agentStateName, const char* agentNAName)
+    : query(templateText), reportFilter(filter) {
+    const auto problems = reportFilter.Check();
+    if (!problems.empty()) ThrowText("%s", problems.front().message.c_str());
+
+    buildIntExt(ctx);
+    if (Wants("[entity") || Wants("[allusers]")) buildEntity(ctx);
+    buildTime();
+    buildDate(ctx);
+    if (Wants("[sla")) buildSLA(ctx);
+    buildState(agentDispName, agentStateName, agentNAName);
+    Fill(ctx);
+}
+
+bool LumoraReportQuery::Wants(const char* placeholder) const {
+    return query.find(placeholder) != std::string::npos;
+}
+
+void LumoraReportQuery::buildIntExt(PortalContext& ctx) {
+    const bool internalOnly = IsTicked(reportFilter.internal);
+    if (!reportFilter.hasInternalExternal || internalOnly == IsTicked(reportFilter.external))
+        return;
+    if (!Wants("[int_ext]")) {
+        intExtFilter = internalOnly ? kInternalOnly : kExternalOnly;
+        return;
+    }
+    std::string trunks = "(''";  // a call without a trunk is internal
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText(kInternalTrunksSql, SqlQuoted(ctx.customerIdString)));
+    while (db.NextRow())
+        trunks.append(",").append(db.View(0));
+    trunks += ")";
+    intExtFilter = internalOnly ? " AND CallLog.A_Trunk IN " + trunks + " AND CallLog.B_Trunk IN " +
+                                      trunks + " "
+                                : " AND (CallLog.A_Trunk NOT IN " + trunks +
+                                      " OR CallLog.B_Trunk NOT IN " + trunks + ") ";
+}
+
+void LumoraReportQuery::buildEntity(PortalContext& ctx) {
+    const bool everything = reportFilter.allowAllRecords;
+    ReportEntity entity;
+    if (!reportFilter.userfilter.IsEmpty()) {
+        entity = GetUserEntity(ctx, reportFilter.userfilter, everything);
+    } else if (!reportFilter.department.IsEmpty()) {
+        entity = GetDeptEntity(ctx, reportFilter.department, everything);
+    } else {
+        entity = GetAllEntities(ctx, reportFilter.hasUser, reportFilter.hasDepartment, everything);
+        // A template may leave out its name conditions for all users: only who may see all.
+        reportFilter.allUsers = !entity.restricted;
+    }
+    entityFilter = entity.condition;
+    entityname = entity.name;
+    escEntityName = Escaped(entity.name).c_str();
+}
+
+void LumoraReportQuery::buildTime() {
+    startTime = hhmmToTime(reportFilter.begintime.c_str(), "00:00") + ":00";
+    endTime = hhmmToTime(reportFilter.endtime.c_str(), "23:59") + ":59";
+    timeFilter.Format(" BETWEEN '%s' AND '%s' ", startTime.c_str(), endTime.c_str());
+    timeTitle.Format(" between '%s' AND '%s' ", startTime.c_str(), endTime.c_str());
+}
+
+void LumoraReportQuery::buildDate(PortalContext& ctx) {
+    const bool explicitDates = !reportFilter.startDate.IsEmpty();
+    const char* keyword = reportFilter.reportPeriod.c_str();
+    ReportWeek week;
+    if ((!explicitDates && PeriodNeedsWeek(keyword)) || Wants("[startday]") || Wants("[weeklen]"))
+        week = ReadWeek(ctx);
+    reportFilter.weekStartDay = std::to_string(week.firstDay).c_str();
+    reportFilter.weekLength = std::to_string(week.length).c_str();
+
+    const PeriodSql period =
+        explicitDates ? ExplicitPeriod(reportFilter.startDate.c_str(), reportFilter.endDate.c_str(),
+                                       !reportFilter.wbDrill.IsEmpty())
+                      : KeywordPeriod(keyword, week);
+    startDate = period.start;
+    endDate = period.exact ? period.end : period.End();
+    datefilter = period.Condition();
+
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText("SELECT %s, %s", SqlFragment(period.start), SqlFragment(period.end)));
+    db.NextRow();
+    reportFilter.startDate = db.Column(0);
+    reportFilter.endDate = db.Column(1);
+    datetitle = period.Title(db.Column(0), db.Column(1));
+    if (Wants("[shiftSeconds]")) buildShift(ctx);
+}
+
+ReportWeek LumoraReportQuery::ReadWeek(PortalContext& ctx) {
+    ReportWeek week;
+    const SqlFragment group(ctx.GetCustomerSearchGroup());
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText(kWeekSql, group, SqlQuoted(ctx.customerIdString)));
+    while (db.NextRow()) {
+        if (strcasecmp(db.Column(kWeekName), "startday") == 0)
+            week.SetStartDay(db.Column(kWeekValue));
+        else
+            week.SetLength(db.Column(kWeekValue));
+    }
+    return week;
+}
+
+void LumoraReportQuery::buildShift(PortalContext& ctx) {
+    shiftSeconds = "0";
+    const SqlFragment group(ctx.GetCustomerSearchGroup());
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText(kShiftSql, SqlQuoted(reportFilter.endDate), SqlQuoted(reportFilter.startDate),
+                     group, SqlQuoted(ctx.customerIdString)));
+    while (db.NextRow())
+        if (!db.IsNull(0)) shiftSeconds = db.Column(0);
+}
+
+void LumoraReportQuery::buildSLA(PortalContext& ctx) {
+    const SqlFragment group(ctx.GetCustomerSearchGroup());
+    const SqlFragment id(Given(reportFilter.slaID, "0"));  // digits, as the check has seen
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText(kSlaSql, group, id));
+    db.NextRow();
+    reportFilter.slaAnswer = db.Column(kAnswerSla);
+    reportFilter.slaHandle = db.Column(kHandleSla);
+    db.Query(SqlText(kResponseSlaSql, group, id));
+    reportFilter.slaResponse = db.NextRow() ? db.Column(0) : kNoSla;
+}
+
+void LumoraReportQuery::buildState(const char* dispName, const char* stateName,
+                                   const char* naName) {
+    agentState[0] = dispName;
+    agentState[1] = stateName;
+    agentState[2] = naName;
+}
+
+void LumoraReportQuery::Fill(PortalContext& ctx) {
+    const LumoraReportFilter& f = reportFilter;
+    // Free text is escaped for the quotes that the template puts around it; numbers, dates and
+    // directions have passed the filter's check.
+    std::string dateCondition = " " + datefilter + " ";
+    if (!Wants("[int_ext]")) dateCondition += intExtFilter;
+    query = FillPlaceholders(query, {{"inOutFilter", f.inOutFilter.c_str()},
+                                     {"date", std::move(dateCondition)},
+                                     {"startDate", " " + startDate + " "},
+                                     {"endDate", " " + endDate + " "},
+                                     {"customerSearchGroup", ctx.GetCustomerSearchGroup()},
+                                     {"entity", entityFilter},
+                                     {"entityName", escEntityName.c_str()},
+                                     {"allusers", Truth(f.allUsers)},
+                                     {"allteammates", Truth(f.allTeammates)},
+                                     {"int_ext", intExtFilter},
+                                     {"shiftSeconds", shiftSeconds.c_str()},
+                                     {"var", Escaped(f.var)},
+                                     {"extra", Escaped(f.extra)},
+                                     {"extra2", Escaped(f.extra2)},
+                                     {"time", timeFilter.c_str()},
+                                     {"timeLimit", Given(f.timeLimit, "-1")},
+                                     {"contactID", ctx.contactIdString.c_str()},
+                                     {"startTime", startTime.c_str()},
+                                     {"endTime", endTime.c_str()},
+                                     {"slaID", Given(f.slaID, "0")},
+                                     {"slaAnswer", f.slaAnswer.c_str()},
+                                     {"slaHandle", f.slaHandle.c_str()},
+                                     {"slaResponse", f.slaResponse.c_str()},
+                                     {"startday", f.weekStartDay.c_str()},
+                                     {"weeklen", f.weekLength.c_str()},
+                                     {"ddi", Escaped(f.ddi)},
+                                     {"tag", Escaped(f.tagFilter)},
+                                     {"agDispName", Escaped(agentState[0])},
+                                     {"agStateName", Escaped(agentState[1])},
+                                     {"NAName", Escaped(agentState[2])},
+                                     {"vatrate", Given(f.vatrate, "0")},
+                                     {"markup", Given(f.markup, "0")}});
+}

@@ -1,0 +1,27 @@
+// LumoraReportTable.h: the result of a report as a table, streamed from the server to the browser.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "cgiFramework/WebPage.h"
+#include "portal/report/LumoraReportSQLCol.h"
+
+class PortalContext;
+
+// Runs its query when it is rendered, and hands each row on as it comes. It never throws: a
+// failure, before or amid the rows, is logged and shown in place of the rest.
+class LumoraReportTable : public WebItem {
+  public:
+    // `query` is the finished statement, `reportName` what the log calls the report. The context's
+    // connection must have no unfinished result while this renders.
+    LumoraReportTable(PortalContext& ctx, const char* reportName, std::string query,
+                      std::unique_ptr<const LumoraReportSQLCol> columns);
+    void Render(WebContext& ctx, WebRender* out) override;
+
+  private:
+    PortalContext& portal_;
+    UString reportName_;
+    std::string query_;
+    std::unique_ptr<const LumoraReportSQLCol> columns_;
+};

@@ -1,0 +1,17 @@
+// ReportCatalogue.h: the list of the reports that a user may run.
+#pragma once
+
+#include "cgiFramework/WebPage.h"
+
+class PortalContext;
+
+// May a user with this report mask run reports of the category? The mask is decimal text whose bit
+// c allows category c; an empty one allows all.
+bool IsCategoryAllowed(const char* reportMask, int category);
+
+// The reports that are not hidden, under a heading for each category, in the order of the
+// catalogue. The constructor reads them and throws the server's message.
+class ReportCatalogue : public WebItem {
+  public:
+    explicit ReportCatalogue(PortalContext& ctx);
+};

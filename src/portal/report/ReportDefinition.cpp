@@ -1,0 +1,99 @@
+#include "portal/report/ReportDefinition.h"
+
+#include "portal/context/PortalContext.h"
+#include "portal/report/LumoraReportFilter.h"
+
+namespace {
+
+constexpr char kDefinitionSql[] =
+    "SELECT name, SQLQuery, opt_group, opt_department, opt_user, opt_interval, reportFile, "
+    "globalSQL,  format, opt_account,opt_company,opt_trunkgroup, opt_trunk, opt_int_ext,"
+    "multititle,multikeyfield,  multikeyfield2,opt_contact, opt_agent, opt_queue,"
+    "opt_time_limit, opt_sla, opt_in_out,  opt_second_for_field,category,opt_ddi,opt_outdept,"
+    "opt_inbox,opt_tag FROM CallReport WHERE pagename='%s'";
+enum {
+    kName,
+    kQuery,
+    kGroup,
+    kDepartment,
+    kUser,
+    kInterval,
+    kReportFile,
+    kGlobalSql,
+    kFormat,
+    kAccount,
+    kCompany,
+    kTrunkGroup,
+    kTrunk,
+    kIntExt,
+    kMultiTitle,
+    kMultiKeyField,
+    kMultiKeyField2,
+    kContact,
+    kAgent,
+    kQueue,
+    kTimeLimit,
+    kSla,
+    kInOut,
+    kSecondForField,
+    kCategory,
+    kDdi,
+    kOutDept,
+    kInbox,
+    kTag,
+};
+
+constexpr int kCostCategory = 2;
+
+constexpr struct {
+    int column;
+    bool LumoraReportFilter::*flag;
+} kSwitches[] = {
+    {kGroup, &LumoraReportFilter::hasGroup},
+    {kDepartment, &LumoraReportFilter::hasDepartment},
+    {kUser, &LumoraReportFilter::hasUser},
+    {kAccount, &LumoraReportFilter::hasAccount},
+    {kCompany, &LumoraReportFilter::hasCompany},
+    {kTrunkGroup, &LumoraReportFilter::hasTrunkGroup},
+    {kTrunk, &LumoraReportFilter::hasTrunk},
+    {kIntExt, &LumoraReportFilter::hasInternalExternal},
+    {kContact, &LumoraReportFilter::hasContact},
+    {kAgent, &LumoraReportFilter::hasAgent},
+    {kQueue, &LumoraReportFilter::hasQueue},
+    {kTimeLimit, &LumoraReportFilter::hasTimeLimit},
+    {kSla, &LumoraReportFilter::hasSLA},
+    {kInOut, &LumoraReportFilter::hasInOut},
+    {kSecondForField, &LumoraReportFilter::hasSecondForField},
+    {kDdi, &LumoraReportFilter::hasDDI},
+    {kOutDept, &LumoraReportFilter::hasOutDept},
+    {kInbox, &LumoraReportFilter::hasInbox},
+    {kTag, &LumoraReportFilter::hasTag},
+};
+
+}  // namespace
+
+std::unique_ptr<ReportDefinition> ReportDefinition::Load(PortalContext& ctx, const char* pagename,
+                                                         LumoraReportFilter& filter) {
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText(kDefinitionSql, SqlQuoted(pagename)));
+    if (!db.NextRow()) return nullptr;
+
+    auto definition = std::make_unique<ReportDefinition>();
+    definition->pagename = pagename;
+    definition->name = db.Column(kName);
+    definition->query = db.Column(kQuery);
+    definition->reportFile = db.Column(kReportFile);
+    definition->globalSQL = db.Column(kGlobalSql);
+    definition->format = db.Column(kFormat);
+    definition->multititle = db.Column(kMultiTitle);
+    definition->multikeyfield = db.Column(kMultiKeyField);
+    definition->multikeyfield2 = db.Column(kMultiKeyField2);
+    definition->category = db.IntColumn(kCategory);
+    definition->hideTimeOfDay = db.IntColumn(kInterval) != 0;
+
+    for (const auto& [column, flag] : kSwitches)
+        filter.*flag = db.IntColumn(column) != 0;
+    filter.hasTimePeriod = !definition->hideTimeOfDay;
+    filter.hasMarkup = definition->category == kCostCategory;
+    return definition;
+}

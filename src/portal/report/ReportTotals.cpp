@@ -1,0 +1,98 @@
+#include "portal/report/ReportTotals.h"
+
+#include <strings.h>
+
+#include "common/ThrowText.h"
+
+namespace {
+
+// value / divisor as a decimal, half away from zero. The integer part is divided off first, so that
+// the scaling cannot overflow.
+ReportDecimal Quotient(ReportInteger value, ReportInteger divisor) {
+    const bool negative = (value < 0) != (divisor < 0);
+    if (value < 0) value = -value;
+    if (divisor < 0) divisor = -divisor;
+    const ReportInteger rest = value % divisor * ReportDecimal::kScale;
+    const ReportInteger units =
+        value / divisor * ReportDecimal::kScale + (rest + divisor / 2) / divisor;
+    return {negative ? -units : units};
+}
+
+}  // namespace
+
+int FindResultColumn(const std::vector<std::string_view>& names, std::string_view name) {
+    for (size_t i = 0; i < names.size(); ++i) {
+        if (names[i].size() == name.size() &&
+            strncasecmp(names[i].data(), name.data(), name.size()) == 0)
+            return static_cast<int>(i);
+    }
+    return -1;
+}
+
+ReportTotals::ReportTotals(const LumoraReportSQLCol& columns,
+                           const std::vector<std::string_view>& names) {
+    for (const LumoraSQLColumnDescription& column : columns) {
+        const std::string_view type = column.totaltype;
+        Total total;
+        if (type == "sum") {
+            total.kind = kSum;
+            total.value = SumOf(names, column.fieldname, column.fieldname);
+        } else if (type == "count") {
+            total.kind = kCount;
+        } else if (type == "avg" || type == "percent") {
+            total.kind = type == "avg" ? kAverage : kPercent;
+            total.value = SumOf(names, column.fieldname, column.avgfield);
+            total.divisor = SumOf(names, column.fieldname, column.percentdiv);
+        } else if (!type.empty()) {
+            ThrowText("Column \"%s\" of this report has the unknown total \"%s\".",
+                      column.fieldname, column.totaltype);
+        }
+        any_ = any_ || total.kind != kNone;
+        totals_.push_back(total);
+    }
+}
+
+int ReportTotals::SumOf(const std::vector<std::string_view>& names, const char* column,
+                        const char* field) {
+    const int position = FindResultColumn(names, field);
+    if (position < 0)
+        ThrowText(
+            "The total of column \"%s\" needs the field \"%s\", which this report's query "
+            "does not return.",
+            column, field);
+    for (size_t i = 0; i < sums_.size(); ++i)
+        if (sums_[i].field == position) return static_cast<int>(i);
+    sums_.push_back({position, {}});
+    return static_cast<int>(sums_.size()) - 1;
+}
+
+void ReportTotals::Add(const std::vector<std::string_view>& row) {
+    ++rows_;
+    ReportDecimal value;
+    for (Sum& sum : sums_)
+        if (ParseReportDecimal(row[sum.field], value)) sum.value.units += value.units;
+}
+
+void ReportTotals::Append(std::string& out, int column, ReportStyle style) const {
+    const Total& total = totals_[column];
+    switch (total.kind) {
+        case kNone:
+            return;
+        case kSum:
+            AppendReportDecimal(out, style, sums_[total.value].value);
+            return;
+        case kCount:
+            out += std::to_string(rows_);
+            return;
+        case kAverage:
+        case kPercent:
+            break;
+    }
+    const ReportInteger divisor = sums_[total.divisor].value.units;
+    if (divisor == 0) {
+        out += '-';
+        return;
+    }
+    const int factor = total.kind == kPercent ? 100 : 1;
+    AppendReportDecimal(out, style, Quotient(sums_[total.value].value.units * factor, divisor));
+}

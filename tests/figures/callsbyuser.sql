@@ -1,0 +1,35 @@
+-- The customer's legs of the period. A leg starts a call when no other leg was transferred to it;
+-- the system's own legs and the collecting of voicemail are no calls.
+WITH leg AS (
+    SELECT *, confId NOT IN (SELECT transferConfId FROM CallLog WHERE customerid = @customer
+            AND transferConfId <> '') AS starts
+    FROM CallLog
+    WHERE customerid = @customer
+        AND UNIX_TIMESTAMP(gmtdatetime) >= TIMESTAMPDIFF(SECOND, '1970-01-01', @from)
+        AND UNIX_TIMESTAMP(gmtdatetime) < TIMESTAMPDIFF(SECOND, '1970-01-01', @to)
+        AND (B_Remote NOT LIKE '!%' OR B_Remote = '!LeaveVoicemail')
+),
+part AS (
+    -- What each user did in each leg: as the caller ...
+    SELECT A_Num AS number, starts AND B_Trunk = '' AS internal, starts AND B_Trunk <> '' AS outbound,
+        0 AS answered, 0 AS missed, 0 AS transferred, callconnected > 0 AS talks,
+        callconnected AS talk, totalcost AS cost
+    FROM leg WHERE A_Trunk = ''
+    UNION ALL
+    -- ... as the one who answered ...
+    SELECT B_Remote, 0, 0, starts, 0, NOT starts, callconnected > 0, callconnected, 0
+    FROM leg WHERE B_Trunk = '' AND callconnected > 0
+    UNION ALL
+    -- ... and as the one who was rung in vain.
+    SELECT B_Num, 0, 0, 0, 1, 0, 0, 0, 0
+    FROM leg WHERE B_Trunk = '' AND callconnected = 0 AND starts
+        AND (transferConfId = '' OR callduration >= 2)
+)
+SELECT cn AS user, telephoneNumber AS number, SUM(answered) AS answered, SUM(missed) AS missed,
+    SUM(transferred) AS transferred, SUM(outbound) AS outbound, SUM(internal) AS internal,
+    SUM(answered + missed + outbound + internal) AS calls, SUM(talks) AS talks, SUM(talk) AS talk,
+    ROUND(AVG(NULLIF(talk, 0))) AS avgtalk, SUM(cost) AS cost
+FROM LDAPUsers INNER JOIN part ON part.number = telephoneNumber
+WHERE customerid = @customer
+GROUP BY cn, telephoneNumber
+ORDER BY cn;

@@ -1,0 +1,250 @@
+#include "portal/report/LumoraReportFilter.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "cgiFramework/WebPage.h"
+#include "portal/context/PortalContext.h"
+#include "portal/report/LumoraReportSQLCol.h"
+#include "unit/cgiFramework/TestRequest.h"
+
+namespace {
+
+using Filter = LumoraReportFilter;
+using Text = UString Filter::*;
+
+constexpr char kConfig[] = "/Norvane/config/Lumora.cfg";
+
+// The criteria of a request with that query string.
+Filter FromQuery(const char* query) {
+    TestRequest request;
+    request.Set("QUERY_STRING", query);
+    PortalContext ctx(kConfig, nullptr);
+    return Filter(ctx, /*fromSession=*/false);
+}
+
+std::string Problems(const Filter& filter) {
+    std::string fields;
+    for (const FilterProblem& problem : filter.Check())
+        fields.append(fields.empty() ? "" : " ").append(problem.field);
+    return fields;
+}
+
+std::string Rendered(WebContext& ctx, WebItem* item) {
+    const std::unique_ptr<WebItem> owned(item);
+    UStringWebRender out;
+    owned->Render(ctx, &out);
+    return out.output.c_str();
+}
+
+bool Holds(const std::string& text, const char* part) {
+    return text.find(part) != std::string::npos;
+}
+
+}  // namespace
+
+TEST_CASE("the search box decides the entity, and without it each kind has its own argument") {
+    const struct {
+        const char* what;
+        const char* query;
+        Text text;
+        const char* expected;
+    } cases[] = {
+        {"user", "searchtype=user&suggest1=Ann", &Filter::userfilter, "Ann"},
+        {"department", "searchtype=dept&suggest1=Sales", &Filter::department, "Sales"},
+        {"group", "searchtype=group&suggest1=North", &Filter::group, "North"},
+        {"company", "searchtype=company&suggest1=Acme", &Filter::company, "Acme"},
+        {"contact", "searchtype=contact&suggest1=555", &Filter::contact, "555"},
+        {"agent", "searchtype=agent&suggest1=Bob", &Filter::agentFilter, "Bob"},
+        {"queue", "searchtype=queue&suggest1=Help", &Filter::queueFilter, "Help"},
+        {"inbox", "searchtype=inbox&suggest1=Mail", &Filter::inboxName, "Mail"},
+        {"free text stays text", "searchtype=freetext&suggest1=x", &Filter::suggest1, "x"},
+        {"the search empties the others", "searchtype=user&suggest1=Ann&department=Sales",
+         &Filter::department, ""},
+        {"an unknown kind sets nothing", "searchtype=x&suggest1=Ann", &Filter::userfilter, ""},
+        {"no kind: the search text is no entity", "suggest1=Ann", &Filter::userfilter, ""},
+        {"own argument", "searchtype=&department=Sales&suggest1=Ann", &Filter::department, "Sales"},
+        {"inbox by id", "inboxid=inb_1", &Filter::inboxId, "inb_1"},
+        {"a tag beside the search", "searchtype=user&suggest1=Ann&tag=vip", &Filter::tagFilter,
+         "vip"},
+        {"second search", "A_searchtype=dept&A_suggest1=Sales&userfilter2=Ann",
+         &Filter::department2, "Sales"},
+        {"second search empties the others", "A_searchtype=dept&A_suggest1=Sales&userfilter2=Ann",
+         &Filter::userfilter2, ""},
+        {"second own argument", "group2=North", &Filter::group2, "North"},
+        {"an empty limit is none", "timeLimit=", &Filter::timeLimit, "-1"},
+        {"a limit", "timeLimit=30", &Filter::timeLimit, "30"},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        CHECK(FromQuery(c.query).*c.text == c.expected);
+    }
+    CHECK(FromQuery("graphonly=0").graphonly);
+    CHECK_FALSE(FromQuery("graphonly=&tableonly=1").graphonly);
+    CHECK(FromQuery("graphonly=&tableonly=1").tableonly);
+}
+
+TEST_CASE("reading the criteria creates neither arguments nor a session") {
+    TestRequest request;
+    PortalContext ctx(kConfig, nullptr);
+    ctx.InitSession("Lumora", 0, /*inUrl=*/true);
+    const Filter fromArguments(ctx, /*fromSession=*/false);
+    const Filter fromSession(ctx, /*fromSession=*/true);
+    CHECK_FALSE(ctx.HasWebArgument("userfilter"));
+    CHECK(ctx.session_vars.empty());
+}
+
+TEST_CASE("the session gives back what was saved, and some criteria are never saved") {
+    TestRequest request;
+    PortalContext ctx(kConfig, nullptr);
+    ctx.InitSession("Lumora", 0, /*inUrl=*/true);
+    // Read as well, but links carry these themselves.
+    const struct {
+        const char* name;
+        Text text;
+    } readOnly[] = {
+        {"group", &Filter::group},           {"var", &Filter::var},
+        {"trunk", &Filter::trunk},           {"report", &Filter::report},
+        {"suggest1", &Filter::suggest1},     {"contact", &Filter::contact},
+        {"searchtype", &Filter::searchtype}, {"inboxName", &Filter::inboxName},
+        {"inboxId", &Filter::inboxId},       {"ddi", &Filter::ddi},
+    };
+    Filter filter;
+    filter.reportPeriod = "lastmonth";
+    filter.userfilter = "Ann";
+    filter.contact6 = "555";
+    filter.extra2 = "not kept at all";
+    for (const auto& entry : readOnly)
+        filter.*entry.text = "here";
+    filter.SaveToSession(ctx);
+
+    Filter loaded(ctx, /*fromSession=*/true);
+    CHECK(loaded.reportPeriod == "lastmonth");
+    CHECK(loaded.userfilter == "Ann");
+    CHECK(loaded.contact6 == "555");
+    CHECK(loaded.timeLimit == "-1");
+    CHECK(loaded.extra2.IsEmpty());
+    for (const auto& entry : readOnly) {
+        CAPTURE(entry.name);
+        CHECK((loaded.*entry.text).IsEmpty());
+        const UString variable = UString("vFilter.") + entry.name;
+        CHECK_FALSE(ctx.HasWebSessionVar(variable.c_str()));
+        ctx.SetWebSessionVar(variable.c_str(), "kept");
+    }
+    loaded = Filter(ctx, /*fromSession=*/true);
+    for (const auto& entry : readOnly) {
+        CAPTURE(entry.name);
+        CHECK(loaded.*entry.text == "kept");
+    }
+}
+
+TEST_CASE("criteria that cannot be used are named") {
+    const struct {
+        const char* what;
+        const char* query;
+        const char* fields;
+    } cases[] = {
+        {"nothing given", "", ""},
+        {"all well",
+         "startDate=2024-02-28&endDate=2024-02-29&timeLimit=60&slaID=3&markup=-2.5"
+         "&vatrate=17.5&inOutFilter=Inbound&searchtype=user&begintime=830",
+         ""},
+        {"one day", "startDate=2024-02-29", ""},
+        {"no such day", "startDate=2023-02-29", "startDate"},
+        {"SQL in a date", "startDate=2024-01-01&endDate=') OR ('1", "endDate"},
+        {"end without start", "endDate=2024-01-01", "startDate"},
+        {"nonsense start, good end", "startDate=x&endDate=2024-01-01", "startDate"},
+        {"end before start", "startDate=2024-03-02&endDate=2024-03-01", "endDate"},
+        {"times of one day", "startDate=2024-03-01 10:00:00&endDate=2024-03-01", ""},
+        {"exact times", "wbDrill=y&startDate=2024-03-01 10:00:00&endDate=2024-03-01 09:00:00",
+         "endDate"},
+        {"unknown period means today", "reportPeriod=nonsense", ""},
+        {"limit", "timeLimit=1 OR 1", "timeLimit"},
+        {"negative limit", "timeLimit=-2", "timeLimit"},
+        {"SLA", "slaID=-1", "slaID"},
+        {"uplift and VAT", "markup=1e3&vatrate=1.", "markup vatrate"},
+        {"direction", "inOutFilter=Sideways", "inOutFilter"},
+        {"a kind that the report has not", "searchtype=dept&suggest1=Sales", "searchtype"},
+        {"free text needs no kind", "searchtype=freetext", ""},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Filter filter = FromQuery(c.query);
+        filter.hasUser = true;
+        CHECK(Problems(filter) == c.fields);
+    }
+}
+
+TEST_CASE("the header names selector, tag, drilled column and call type") {
+    TestRequest request;
+    request.Set("QUERY_STRING", "field=TALK");
+    PortalContext ctx(kConfig, nullptr);
+    LumoraSQLColumnDescription columns[] = {
+        {"calls", "number", "Calls", "", "", "", "", "", ""},
+        {"talk", "time", "Talking", "", "", "Times", "", "", ""},
+        {"", "", "", "", "", "", "", "", ""},
+        {"TALK", "", "beyond the end", "", "", "", "", "", ""},
+    };
+    Filter filter;
+    UString header;
+    filter.GetHeader(ctx, columns, header);
+    CHECK(header == "Times / Talking");
+
+    filter.var = "Trunk 1";
+    filter.hasTag = filter.hasInternalExternal = true;
+    filter.tagFilter = "vip";
+    filter.internal = "on";
+    filter.GetHeader(ctx, columns, header);
+    CHECK(header == "Trunk 1 / vip / Times / Talking / Internal");
+
+    filter.external = "on";
+    filter.GetHeader(ctx, columns + 2, header);
+    CHECK(header == "Trunk 1 / vip");
+}
+
+TEST_CASE("the form offers the report's rows, keeps what was typed and escapes it") {
+    TestRequest request;
+    request.Set("QUERY_STRING", "report=callsbyuser&pagename=callreport");
+    PortalContext ctx(kConfig, nullptr);
+    Filter offered;
+    offered.hasUser = true;
+    Filter current;
+    current.reportPeriod = "lastmonth";
+    current.department = "not offered";
+    current.userfilter = "\"><script>";
+    const std::string form = Rendered(ctx, offered.filterForm(ctx, current, current.Check()));
+    CHECK(Holds(form, "<option selected value=\"lastmonth\">Last Month"));
+    CHECK(Holds(form, "<option selected value=\"user\">Users"));
+    CHECK_FALSE(Holds(form, "Departments"));
+    CHECK(Holds(form, "value=\"&quot;&gt;&lt;script&gt;\""));
+    CHECK(Holds(form, "name=\"report\" value=\"callsbyuser\""));
+    CHECK(Holds(form, "value=\"Generate Report\" id=\"generate_button\""));
+    CHECK_FALSE(Holds(form, "fieldError"));
+
+    offered.hasTimePeriod = false;
+    offered.hasUser = false;
+    CHECK_FALSE(Holds(Rendered(ctx, offered.filterForm(ctx, current)), "begintime"));
+    CHECK_FALSE(Holds(Rendered(ctx, offered.filterForm(ctx, current)), "suggest1"));
+}
+
+TEST_CASE("a problem stands beside its field, or above the form when that has no such field") {
+    TestRequest request;
+    PortalContext ctx(kConfig, nullptr);
+    Filter offered;
+    Filter current;
+    current.startDate = "2024-13-01";
+    current.vatrate = "x";
+    const std::string form = Rendered(ctx, offered.filterForm(ctx, current, current.Check()));
+    CHECK(Holds(form, "aria-invalid=\"true\" aria-describedby=\"startDate_error\""));
+    const size_t vat = form.find("The VAT rate must be a number");
+    const size_t date = form.find("The start date must be a date");
+    const size_t table = form.find("lumoraFormTable");
+    CHECK(vat < table);
+    CHECK(table < date);
+    CHECK(date != std::string::npos);
+    // Dates mean the choice "Start and End Dates", whatever keyword came with them.
+    CHECK(Holds(form, "<option selected value=\"custom\">"));
+}

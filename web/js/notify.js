@@ -1,0 +1,21 @@
+// Shows that a report is being made, with a button that stops the wait for it.
+"use strict";
+
+document.addEventListener("DOMContentLoaded", () => {
+    const form = document.getElementById("searchForm");
+    const progress = document.getElementById("notify");
+    const cancel = document.getElementById("cancel_button");
+    if (!form || !progress || !cancel) return;
+
+    form.addEventListener("submit", () => {
+        progress.hidden = false;
+    });
+    cancel.addEventListener("click", () => {
+        window.stop();
+        progress.hidden = true;
+    });
+    // The page may come back from the browser's memory as it was left.
+    window.addEventListener("pageshow", () => {
+        progress.hidden = true;
+    });
+});
