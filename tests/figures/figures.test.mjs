@@ -30,25 +30,53 @@ for (const report of catalogue) {
         await onOneDay(zone, async (day) => {
             const { lastmonth, '7days': week } = periods(day, 5);
             const cases = [
-                { criteria: { reportPeriod: 'lastmonth' }, span: lastmonth,
-                    dates: `From: ${lastmonth[0]}, To: ${lastmonth[1]} (Last Month)` },
-                { criteria: { reportPeriod: '7days' }, span: week, dates: `From: ${week[0]}, To: ${week[1]} (Last 7 Days)` },
+                {
+                    criteria: { reportPeriod: 'lastmonth' },
+                    span: lastmonth,
+                    dates: `From: ${lastmonth[0]}, To: ${lastmonth[1]} (Last Month)`,
+                },
+                {
+                    criteria: { reportPeriod: '7days' },
+                    span: week,
+                    dates: `From: ${week[0]}, To: ${week[1]} (Last 7 Days)`,
+                },
                 { criteria: { startDate: oneDay }, span: [oneDay, oneDay], dates: `On: ${oneDay}` },
-                { criteria: { startDate: lastmonth[0], endDate: lastmonth[1], begintime: '0900', endtime: '1700' },
-                    span: lastmonth, legs: officeHours, dates: `From: ${lastmonth[0]}, To: ${lastmonth[1]}`,
-                    hours: " between '09:00:00' AND '17:00:59' " },
+                {
+                    criteria: {
+                        startDate: lastmonth[0],
+                        endDate: lastmonth[1],
+                        begintime: '0900',
+                        endtime: '1700',
+                    },
+                    span: lastmonth,
+                    legs: officeHours,
+                    dates: `From: ${lastmonth[0]}, To: ${lastmonth[1]}`,
+                    hours: " between '09:00:00' AND '17:00:59' ",
+                },
             ];
-            for (const { criteria, span: [first, last], legs, dates, hours } of cases) {
+            for (const {
+                criteria,
+                span: [first, last],
+                legs,
+                dates,
+                hours,
+            } of cases) {
                 const what = JSON.stringify(criteria);
                 const page = await runReport(report.name, criteria);
                 const expected = figures(report, { first, last, zone, legs });
                 assertShows(page, expected, what);
                 assert.equal(page.lines[0], report.title);
                 assert.ok(page.lines.includes(`Dates: ${dates}`), `${what}: ${page.lines}`);
-                assert.ok(page.lines.includes(`Time Filter: ${hours ?? " between '00:00:00' AND '23:59:59' "}`), what);
+                assert.ok(
+                    page.lines.includes(`Time Filter: ${hours ?? " between '00:00:00' AND '23:59:59' "}`),
+                    what,
+                );
                 if (criteria.reportPeriod !== '7days') {
                     assert.ok(expected.rows.length > 0, `${what}: there is something to compare`);
-                    assert.deepEqual(page.headings, report.columns.map(({ heading }) => heading));
+                    assert.deepEqual(
+                        page.headings,
+                        report.columns.map(({ heading }) => heading),
+                    );
                 }
             }
         });
@@ -63,10 +91,21 @@ test('a reader elsewhere gets the days and hours of their own time zone', async 
         const [first, last] = periods(day, 5).lastmonth;
         const page = await runReport(report.name, { reportPeriod: 'lastmonth' }, { user: 'zoned' });
         assertShows(page, figures(report, { first, last, zone }), 'last month');
-        assert.match(page.html, /Dates and times are in America\/New_York\./);
-        const morning = await runReport(report.name, { startDate: first, endDate: last, begintime: '0000', endtime: '0759' },
-            { user: 'zoned' });
-        assertShows(morning, figures(report, { first, last, zone, legs: `TIME(gmtdatetime) < '08:00:00'` }), 'mornings');
+        assert.match(
+            page.html,
+            /<footer .*America\/New_York.*<\/footer>/,
+            'the page names the zone that made its days',
+        );
+        const morning = await runReport(
+            report.name,
+            { startDate: first, endDate: last, begintime: '0000', endtime: '0759' },
+            { user: 'zoned' },
+        );
+        assertShows(
+            morning,
+            figures(report, { first, last, zone, legs: `TIME(gmtdatetime) < '08:00:00'` }),
+            'mornings',
+        );
     });
 });
 
@@ -75,7 +114,11 @@ test("another customer's manager gets that customer's figures", async () => {
     await onOneDay(zone, async (day) => {
         const [first, last] = periods(day, 7)['90days'];
         for (const report of catalogue) {
-            const page = await runReport(report.name, { reportPeriod: '90days' }, { user: 'manager2', host: 'two.localhost' });
+            const page = await runReport(
+                report.name,
+                { reportPeriod: '90days' },
+                { user: 'manager2', host: 'two.localhost' },
+            );
             assertShows(page, figures(report, { first, last, zone, customer: 2 }), report.name);
             assert.ok(page.rows.length > 0, report.name);
         }

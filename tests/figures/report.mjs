@@ -8,18 +8,27 @@ const kFigures = new URL('./', import.meta.url);
 const kCatalogue = new URL('../../db/catalogue/', import.meta.url);
 
 /** Every report of the catalogue: { name, title, offers: { user, department }, columns }. */
-export const catalogue = readdirSync(kCatalogue).filter((file) => file.endsWith('.sql')).sort().map((file) => {
-    const text = readFileSync(new URL(file, kCatalogue), 'utf8');
-    const setting = (key) => text.match(new RegExp(`^-- ${key}: (.*)$`, 'm'))?.[1];
-    const name = file.replace(/\.sql$/, '');
-    return { name, title: setting('name'), columns: readColumns(name),
-        offers: { user: setting('opt_user') === '1', department: setting('opt_department') === '1' } };
-});
+export const catalogue = readdirSync(kCatalogue)
+    .filter((file) => file.endsWith('.sql'))
+    .sort()
+    .map((file) => {
+        const text = readFileSync(new URL(file, kCatalogue), 'utf8');
+        const setting = (key) => text.match(new RegExp(`^-- ${key}: (.*)$`, 'm'))?.[1];
+        const name = file.replace(/\.sql$/, '');
+        return {
+            name,
+            title: setting('name'),
+            columns: readColumns(name),
+            offers: { user: setting('opt_user') === '1', department: setting('opt_department') === '1' },
+        };
+    });
 
 // A line a column: name, style, heading, two unused here, heading of the group, kind of the total and
 // what it is made of.
 function readColumns(name) {
-    const lines = readFileSync(new URL(`${name}.col`, kCatalogue), 'utf8').trim().split('\n');
+    const lines = readFileSync(new URL(`${name}.col`, kCatalogue), 'utf8')
+        .trim()
+        .split('\n');
     return lines.map((line) => {
         const words = [...line.matchAll(/"([^"]*)"|(\S+)/g)].map(([, quoted, bare]) => quoted ?? bare);
         const [field, style, heading, , , , total, value, divisor] = words;
@@ -63,7 +72,10 @@ export function shown(html) {
 
 /** Runs a report as the form would; `options` are those of get(). */
 export async function runReport(name, criteria, options) {
-    const answer = await get({ pagename: 'callreport', report: name, submit: 'Generate Report', ...criteria }, options);
+    const answer = await get(
+        { pagename: 'callreport', report: name, submit: 'Generate Report', ...criteria },
+        options,
+    );
     return { ...shown(answer.text), html: answer.text };
 }
 
@@ -99,14 +111,24 @@ export function periods(day, weekLength) {
     const monthStart = `${year}-${month}-01`;
     const lastMonthEnd = shift(monthStart, -1);
     const monday = shift(day, -((new Date(day).getUTCDay() + 6) % 7));
-    const spans = Object.fromEntries([7, 30, 60, 90].flatMap((days) =>
-        [[`${days}days`, [shift(day, 1 - days), day]], [`p${days}days`, [shift(day, -days), shift(day, -1)]]]));
+    const spans = Object.fromEntries(
+        [7, 30, 60, 90].flatMap((days) => [
+            [`${days}days`, [shift(day, 1 - days), day]],
+            [`p${days}days`, [shift(day, -days), shift(day, -1)]],
+        ]),
+    );
     return {
-        today: [day, day], yesterday: [shift(day, -1), shift(day, -1)],
-        thisweek: [monday, day], lastweek: [shift(monday, -7), shift(monday, weekLength - 8)],
-        thismonth: [monthStart, day], lastmonth: [`${lastMonthEnd.slice(0, 7)}-01`, lastMonthEnd],
-        thisyear: [`${year}-01-01`, day], lastyear: [`${year - 1}-01-01`, `${year - 1}-12-31`],
-        all: ['2000-01-01', day], custom: [day, day], ...spans,
+        today: [day, day],
+        yesterday: [shift(day, -1), shift(day, -1)],
+        thisweek: [monday, day],
+        lastweek: [shift(monday, -7), shift(monday, weekLength - 8)],
+        thismonth: [monthStart, day],
+        lastmonth: [`${lastMonthEnd.slice(0, 7)}-01`, lastMonthEnd],
+        thisyear: [`${year}-01-01`, day],
+        lastyear: [`${year - 1}-01-01`, `${year - 1}-12-31`],
+        all: ['2000-01-01', day],
+        custom: [day, day],
+        ...spans,
     };
 }
 
@@ -119,7 +141,9 @@ export function figures(report, { first, last, zone, customer = 1, legs = '', ke
     const query = readFileSync(new URL(`${report.name}.sql`, kFigures), 'utf8');
     const utc = (day) => `TIMESTAMP('1970-01-01') + INTERVAL UNIX_TIMESTAMP('${day} 00:00:00') SECOND`;
     // A temporary table hides the real one of its name from this session.
-    const others = legs && `CREATE TEMPORARY TABLE CallLog AS SELECT * FROM CallLog WHERE customerid = @customer;
+    const others =
+        legs &&
+        `CREATE TEMPORARY TABLE CallLog AS SELECT * FROM CallLog WHERE customerid = @customer;
         UPDATE CallLog SET gmtdatetime = '1980-01-01' WHERE NOT (${legs});`;
     const raw = sql(`SET time_zone = '${zone}', @customer = ${customer};
         SET @from = ${utc(first)}, @to = ${utc(shift(last, 1))}; ${others}
@@ -138,7 +162,7 @@ function units(text) {
     return BigInt(sign + whole + decimals.padEnd(4, '0'));
 }
 
-const divide = (value, divisor) => (value * 2n + divisor) / (divisor * 2n);  // no figure is negative
+const divide = (value, divisor) => (value * 2n + divisor) / (divisor * 2n); // no figure is negative
 
 function display(style, text) {
     if (style === 'text' || style === 'date') return text ?? '';
@@ -151,14 +175,17 @@ function displayUnits(style, value) {
         return `${digits.slice(0, -decimals)}.${digits.slice(-decimals)}`;
     };
     switch (style) {
-        case 'money': return fixed(2);
-        case 'percent': return `${fixed(1)}%`;
+        case 'money':
+            return fixed(2);
+        case 'percent':
+            return `${fixed(1)}%`;
         case 'time': {
             const seconds = divide(value, kScale);
             const two = (number) => String(number % 60n).padStart(2, '0');
             return `${seconds / 3600n}:${two(seconds / 60n)}:${two(seconds)}`;
         }
-        default: return fixed(4).replace(/\.?0+$/, '');
+        default:
+            return fixed(4).replace(/\.?0+$/, '');
     }
 }
 

@@ -3,8 +3,10 @@
 // sets it, and for a portal of script/server it is .run/portal.env.
 
 import { execFileSync, spawn } from 'node:child_process';
-import { readFileSync, statSync } from 'node:fs';
+import { chownSync, cpSync, mkdirSync, mkdtempSync, readFileSync, readdirSync, statSync } from 'node:fs';
 import http from 'node:http';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
 
 /** The settings of portal.env: URL, ROOT, PROGRAM, ERROR_LOG, ZONE, DB_*, and NAME_USER and
  * NAME_PASSWORD of every demo user. */
@@ -107,4 +109,28 @@ export function runCgi(variables = {}, stdin = '') {
         child.on('close', (code, signal) => resolve({ code, signal,
             out: Buffer.concat(out).toString(), err: Buffer.concat(err).toString() }));
     });
+}
+
+/**
+ * Makes a run-time root of a test's own for runCgi(), so that the test can break it and see what a
+ * request writes: the portal's settings and report files, and an empty session folder. The caller
+ * removes it.
+ */
+export function makeRoot() {
+    const root = mkdtempSync(join(tmpdir(), 'lumora-test-'));
+    mkdirSync(join(root, 'Norvane/sessions'), { recursive: true });
+    cpSync(join(env.ROOT, 'Norvane/config'), join(root, 'Norvane/config'), { recursive: true });
+    const { uid, gid } = statSync(env.ROOT);
+    if (process.getuid() === 0)
+        for (const name of ['', ...allNames(root)]) chownSync(join(root, name), uid, gid);
+    return root;
+}
+
+// Everything below a folder, as paths within it. (The option that does this came with Node 18.17.)
+function* allNames(folder, below = '') {
+    for (const entry of readdirSync(join(folder, below), { withFileTypes: true })) {
+        const name = join(below, entry.name);
+        yield name;
+        if (entry.isDirectory()) yield* allNames(folder, name);
+    }
 }
