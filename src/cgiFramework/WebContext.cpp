@@ -8,7 +8,9 @@
 #include <ctime>
 #include <memory>
 
+#include "cgiFramework/JsonObj.h"
 #include "common/Path.h"
+#include "kernel/OSBTree.h"
 #include "kernel/OSConsole.h"
 
 WebContext* global_context = nullptr;
@@ -17,6 +19,8 @@ namespace {
 
 constexpr char kDefaultConfig[] = "/Norvane/WebConfig.cfg";
 constexpr char kDefaultReports[] = "/Norvane/reports/";
+// An argument takes hundreds of bytes where a body may spend five on it.
+constexpr size_t kMostArguments = 500'000;
 
 int HexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -91,6 +95,23 @@ bool IsUnsafeName(const char* name) {
     return false;
 }
 
+// The place of an argument in the order of names.
+struct WebIndexObj : OSBTreeObj {
+    WebIndexObj(WebArgument& argument_, bool ignoreCase_, bool ambiguous_)
+        : argument(argument_), ignoreCase(ignoreCase_), ambiguous(ambiguous_) {}
+
+    int Compare(const OSBTreeObj& other) const override {
+        const char* mine = argument.name.c_str();
+        const char* theirs = static_cast<const WebIndexObj&>(other).argument.name.c_str();
+        const int order = ignoreCase ? strcasecmp(mine, theirs) : strcmp(mine, theirs);
+        return order != 0 || ambiguous ? order : strcmp(mine, theirs);
+    }
+
+    WebArgument& argument;
+    bool ignoreCase;
+    bool ambiguous;
+};
+
 bool IsWritten(const WebArgument& argument, bool page, bool full) {
     switch (argument.type_) {
         case WebArgument::Context:
@@ -134,8 +155,13 @@ WebContext::WebContext(const char* config_, const char* dirname_)
     : config(config_ != nullptr ? config_ : kDefaultConfig),
       dirname(dirname_ != nullptr ? dirname_ : kDefaultReports) {
     global_context = this;
-    ScanWebArguments(nullptr);
-    ScanWebCookies();
+    try {
+        ScanWebArguments(nullptr);
+        ScanWebCookies();
+    } catch (...) {
+        global_context = nullptr;
+        throw;
+    }
 }
 
 WebContext::~WebContext() {
@@ -145,7 +171,6 @@ WebContext::~WebContext() {
         ConsoleReport("WebContext: the session was not saved: %s\n", text);
     }
     if (global_context == this) global_context = nullptr;
-    free(fbuf);
 }
 
 const char* WebContext::GetVariable(const char* name) {
@@ -169,7 +194,6 @@ void WebContext::ScanWebArguments(const char* query) {
         AddWebArguments(given.c_str(), WebArgument::Normal);
     } else {
         AddWebArguments(getenv("QUERY_STRING"), WebArgument::Normal);
-        ReadBody();
         AddBodyArguments();
     }
     const auto session = by_name_.find("sessionId");
@@ -214,14 +238,17 @@ void WebContext::AddWebArguments(const char* text, WebArgument::Type type) {
         argument->value = value.c_str();
         argument->type_ = type;
         argument->depth = depth;
-        Remember(argument.release());
+        Remember(std::move(argument));
     }
 }
 
 // Appends the argument and indexes it when it is the first of its name.
-void WebContext::Remember(WebArgument* argument) {
-    arguments.Append(argument);
-    by_name_.emplace(argument->name.c_str(), argument);
+WebArgument* WebContext::Remember(std::unique_ptr<WebArgument> argument) {
+    if (arguments.size() == kMostArguments) throw "The request has too many arguments.";
+    WebArgument* remembered = argument.release();
+    arguments.Append(remembered);
+    by_name_.emplace(remembered->name.c_str(), remembered);
+    return remembered;
 }
 
 WebArgument* WebContext::GetWebArgument(const char* name, WebArgument::Type type) {
@@ -236,8 +263,7 @@ WebArgument* WebContext::GetWebArgument(const char* name, WebArgument::Type type
     created->name = name;
     created->depth = depth;
     created->type_ = type == WebArgument::Any ? WebArgument::Normal : type;
-    Remember(created.get());
-    return created.release();
+    return Remember(std::move(created));
 }
 
 const WebArgument* WebContext::FindWebArgument(const char* name) const {
@@ -284,6 +310,18 @@ void WebContext::FlushArguments(int n) {
             arguments.Remove(argument);
         }
         argument = next;
+    }
+}
+
+void WebContext::SortWebArguments(bool ignoreCase, bool ambiguous) {
+    OSBTree tree;
+    for (WebArgument& argument : arguments)
+        tree.Insert(std::make_unique<WebIndexObj>(argument, ignoreCase, ambiguous));
+    // Moving each to the end leaves them in the order of the keys.
+    for (const auto& key : tree) {
+        WebArgument& argument = static_cast<WebIndexObj&>(*key).argument;
+        arguments.Unlink(&argument);
+        arguments.Append(&argument);
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -82,9 +83,9 @@ class WebContext {
     OSList<WebArgument> arguments;
     OSList<WebSessionVar> session_vars;
     OSList<WebCookie> cookies;
-    OSList<OSListObj> reports;  // filled by the tabular report engine
-    UString argument_string;    // the latest URL built
-    JsonObj* json_post_data = nullptr;
+    OSList<OSListObj> reports;                // filled by the tabular report engine
+    UString argument_string;                  // the latest URL built
+    std::unique_ptr<JsonObj> json_post_data;  // the body, when it is JSON
     UString session_id;
     UString session_prefix;
     UString internal_redirect;  // a page of this program to answer next
@@ -93,7 +94,10 @@ class WebContext {
     UString config;   // path of the settings file
     UString dirname;  // path of the report-definition folder
     int depth = 0;
-    char* fbuf = nullptr;  // the request body, read once a process
+    struct FreeBytes {
+        void operator()(char* bytes) const { free(bytes); }
+    };
+    std::unique_ptr<char[], FreeBytes> fbuf;  // the request body, read once a process
     void* private_data = nullptr;
 
     // Null paths stand for "/Norvane/WebConfig.cfg" and "/Norvane/reports/". Throws a text when the
@@ -130,6 +134,10 @@ class WebContext {
     void NewArguments() { ++depth; }
     // Deletes the arguments of deeper levels than the present one; a negative n first goes up one.
     void FlushArguments(int n);
+    // Puts the arguments in the order of their names, byte by byte, or without regard to case.
+    // Names that differ in case alone then stand byte by byte too, or, when `ambiguous`, as they
+    // came.
+    void SortWebArguments(bool ignoreCase, bool ambiguous);
     // Does the URL carry this argument with its present value? Compares the unescaped value.
     bool IsSameArgument(const char* name, const char* url);
 
@@ -166,9 +174,10 @@ class WebContext {
 
   private:
     void ReadSettingsFile();
-    void ReadBody();
+    bool ReadBody();
     void AddBodyArguments();
-    void Remember(WebArgument* argument);
+    void AddMultipartArguments(const std::string& boundary);
+    WebArgument* Remember(std::unique_ptr<WebArgument> argument);
     void LoadSession(FILE* file);
     WebSessionVar* FindWebSessionVar(const char* name) const;
 

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -73,10 +74,17 @@ void StdoutWebRender::Send(std::string_view text) {
 }
 
 void UStringWebRender::vprintf(const char* fmt, va_list args) {
-    buffer.vFormat(fmt, args);
-    output += buffer;
+    const int length = buffer.vFormat(fmt, args);
+    if (length > 0) Write({buffer.c_str(), static_cast<size_t>(length)});
 }
 
 void UStringWebRender::Write(std::string_view text) {
-    output.Append(text.data(), text.size());
+    const size_t needed = length_ + text.size();
+    // Doubling: a string's own growth is exact beyond 8 KiB and would copy a long page every time.
+    if (needed + 1 > static_cast<size_t>(output.buffer_size) || output.buffer == nullptr)
+        output.Allocate(static_cast<int>(2 * needed));
+    memcpy(output.buffer + length_, text.data(), text.size());
+    length_ = needed;
+    output.buffer[length_] = '\0';
+    output.Dirty();
 }

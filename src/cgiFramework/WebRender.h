@@ -57,11 +57,15 @@ class StdoutWebRender : public WebRender {
     bool closed_ = false;
 };
 
-// Collects the page as text in `output`; `buffer` holds the latest formatted piece.
+// Collects the page as text in `output`; `buffer` holds the latest formatted piece. Nobody else
+// writes to `output` before the page is complete.
 class UStringWebRender : public WebRender {
   public:
     UString buffer;
     UString output;
     void vprintf(const char* fmt, va_list args) override __attribute__((format(printf, 2, 0)));
     void Write(std::string_view text) override;
+
+  private:
+    size_t length_ = 0;  // of output, which would have to be measured anew for every piece
 };

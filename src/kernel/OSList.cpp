@@ -57,9 +57,13 @@ void OSListBase::Clear() {
 }
 
 void OSListBase::Splice(OSListBase& from) {
-    while (from.first_ != nullptr) {
-        OSListObj* element = from.first_;
-        from.Unlink(element);
-        Append(element);
-    }
+    if (from.first_ == nullptr) return;
+    for (OSListObj* element = from.first_; element != nullptr; element = element->next_)
+        element->list_ = this;
+    from.first_->previous_ = last_;
+    (last_ != nullptr ? last_->next_ : first_) = from.first_;
+    last_ = from.last_;
+    size_ += from.size_;
+    from.first_ = from.last_ = nullptr;
+    from.size_ = 0;
 }
