@@ -16,6 +16,7 @@
 
 #include "tools/demodata/Calls.h"
 #include "tools/demodata/Company.h"
+#include "tools/demodata/Directory.h"
 #include "tools/demodata/PortalTables.h"
 #include "tools/demodata/Tsv.h"
 
@@ -23,9 +24,10 @@ namespace {
 
 constexpr char kUsage[] =
     "usage: demodata --out DIR [--calls N] [--seed S] [--today YYYY-MM-DD]\n"
-    "Writes DIR/<table>.tsv, DIR/load.sql, which loads them, and DIR/demo-users.tsv: user name,\n"
-    "password, purpose. N calls (200000) of all customers lie on the day of --today (the present\n"
-    "day, UTC) and the 90 days before it; --seed (1) changes the calls and nothing else.\n";
+    "Writes DIR/<table>.tsv, DIR/load.sql, which loads them, DIR/demo-users.tsv: user name,\n"
+    "password, purpose, and DIR/directory.ldif, which directoryd begins with. N calls (200000) of\n"
+    "all customers lie on the day of --today (the present day, UTC) and the 90 days before it;\n"
+    "--seed (1) changes the calls and nothing else.\n";
 
 constexpr int64_t kMostCalls = 100'000'000;
 
@@ -88,6 +90,7 @@ void Generate(const Options& options) {
     const std::vector<demodata::Company> companies = demodata::MakeCompanies();
     demodata::LoadScript script;
     demodata::WritePortalTables(companies, options.folder, script);
+    demodata::WriteDirectory(companies, options.folder);
 
     demodata::TsvFile file(options.folder, "CallLog");
     const int64_t rows = demodata::WriteCalls(companies, options.calls, file, [&](int64_t done) {
