@@ -162,6 +162,12 @@ class WebContext {
     void SaveWebSessionVars(const char* id);
     void CreateSessionId();
     const char* GetWebSessionId();
+    // True when the session's id came from the browser and not from this program, so that whoever
+    // gave the browser a link with it knows it.
+    bool IsSessionIdForeign() const;
+    // Moves the variables to a session with an id that nobody knows; to this request it is not an
+    // existing one.
+    void RenewSessionId();
     // Ends the session: its file, its variables and its cookie go.
     void DeleteSession();
     WebSessionVar* GetWebSessionVar(const char* name);

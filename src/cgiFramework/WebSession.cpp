@@ -27,6 +27,9 @@ namespace {
 constexpr char kSessions[] = "/Norvane/sessions";
 constexpr size_t kLongestLine = 2048;  // name, "=", value and line end
 constexpr int kMaxNewIdTries = 100;
+// Marks a session whose id the browser brought along.
+constexpr char kForeignId[] = "foreignSessionId";
+constexpr char kForeignIdLine[] = "foreignSessionId=1\n";
 // A folder with fewer files is swept at every request, a larger one once in this many seconds.
 constexpr int kSmallFolder = 500;
 constexpr time_t kSweepPause = 60;
@@ -234,9 +237,11 @@ void WebContext::CreateSessionId() {
     const char* port = Environment("REMOTE_PORT");
     // The address is written with the file: a second request of the same page may be here before
     // this one saves.
+    const bool isForeign = !session_id.IsEmpty();  // the browser's own, whose file is missing
     UString first;
-    first.Format("REMOTE_ADDR=%s\nREMOTE_PORT=%s\n", address, port);
-    bool keepId = !session_id.IsEmpty();  // the browser's own, whose file is missing
+    first.Format("REMOTE_ADDR=%s\nREMOTE_PORT=%s\n%s", address, port,
+                 isForeign ? kForeignIdLine : "");
+    bool keepId = isForeign;
     for (int tries = 0;; ++tries) {
         if (!keepId) session_id = RandomId();
         keepId = false;
@@ -258,6 +263,18 @@ void WebContext::CreateSessionId() {
         SetWebCookie("sessionId", session_id.c_str());
     SetWebSessionVar("REMOTE_ADDR", address);
     SetWebSessionVar("REMOTE_PORT", port);
+    if (isForeign) SetWebSessionVar(kForeignId, "1");
+}
+
+bool WebContext::IsSessionIdForeign() const {
+    return HasWebSessionVar(kForeignId);
+}
+
+void WebContext::RenewSessionId() {
+    RemoveWebSessionVars(kForeignId);
+    session_id = "";
+    session_loaded_ = false;
+    CreateSessionId();
 }
 
 const char* WebContext::GetWebSessionId() {

@@ -154,6 +154,31 @@ TEST_CASE("an id without a file is kept, and a session deleted meanwhile stays d
     CHECK(request.SessionFiles().empty());
 }
 
+TEST_CASE("an id that the browser brought along is told from our own, and can be exchanged") {
+    TestRequest request;
+    request.Set("QUERY_STRING", "sessionId=42");
+    { WebContext(kConfig, nullptr).InitSession("Lumora", kTwelveHours, /*inUrl=*/true); }
+    std::string id;
+    {
+        WebContext ctx(kConfig, nullptr);
+        Open(ctx);
+        CHECK(ctx.HasExistingSession());
+        CHECK(ctx.IsSessionIdForeign());
+        ctx.SetWebSessionVar("colour", "blue");
+        ctx.RenewSessionId();
+        CHECK_FALSE(ctx.HasExistingSession());
+        id = ctx.GetWebSessionId();
+        CHECK(id != "42");
+        CHECK(std::string(ctx.GetURL(nullptr)) == "/lumora/lumora.cgi?sessionId=" + id);
+    }
+    request.Set("QUERY_STRING", "sessionId=" + id);
+    WebContext again(kConfig, nullptr);
+    Open(again);
+    CHECK(again.HasExistingSession());
+    CHECK_FALSE(again.IsSessionIdForeign());
+    CHECK(*again.GetWebSessionVar("colour") == "blue");
+}
+
 TEST_CASE("a further round of a request keeps the session's changes") {
     TestRequest request;
     WebContext ctx(kConfig, nullptr);
