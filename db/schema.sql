@@ -146,8 +146,10 @@ CREATE TABLE IF NOT EXISTS CallLog (
     PRIMARY KEY (customerid, gmtdatetime, id),
     KEY id (id),
     KEY confId (confId),
-    KEY B_Num (customerid, B_Num, gmtdatetime)
+    KEY B_Num (customerid, B_Num, gmtdatetime),
+    KEY targetNumber (customerid, targetNumber)         -- which numbers there are
 );
+ALTER TABLE CallLog ADD KEY IF NOT EXISTS targetNumber (customerid, targetNumber);
 
 CREATE TABLE IF NOT EXISTS CallLogGroup (
     group_id    INT NOT NULL AUTO_INCREMENT,
@@ -463,6 +465,14 @@ CREATE TABLE IF NOT EXISTS FrontInbox (
     name       VARCHAR(128) NOT NULL DEFAULT '',
     isPrivate  TINYINT NOT NULL DEFAULT 0,
     PRIMARY KEY (id)
+);
+
+CREATE TABLE IF NOT EXISTS FrontTag (
+    id         VARCHAR(64) NOT NULL,
+    customerid INT NOT NULL DEFAULT 0,
+    name       VARCHAR(128) NOT NULL DEFAULT '',
+    PRIMARY KEY (id),
+    KEY customerid (customerid, name)
 );
 
 CREATE TABLE IF NOT EXISTS FrontSLAs (

@@ -45,8 +45,8 @@ write_file() {
     mv -f "$2.new" "$2"
 }
 
-# port_answers PORT: whether anything listens on that port of this machine.
-port_answers() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
+# port_answers PORT [ADDRESS]: whether anything listens on that port of this machine.
+port_answers() { (exec 3<>"/dev/tcp/${2:-127.0.0.1}/$1") 2>/dev/null; }
 
 # show_log FILE: the end of a log, on standard error, below the message that it explains.
 show_log() { [[ ! -s $1 ]] || tail -n 20 "$1" | sed 's/^/    /' >&2; }

@@ -80,14 +80,16 @@ load_time_zones() {
     mariadb-tzinfo-to-sql /usr/share/zoneinfo 2>/dev/null | db mysql
 }
 
-# load_data CALLS RESET: brings the schema and the demo data up to what is asked. CALLS may be empty:
+# load_data CALLS RESET: brings the schema and the demo data, of which the directory's entries are a
+# part, up to what is asked. CALLS may be empty:
 # then data that is there stays. `loaded` tells what the database holds and is there only when it
 # holds that completely.
 load_data() {
     local calls=$1 reset=$2 had_calls='' had_schema='' schema
     schema=$(sha256sum <"$checkout/db/schema.sql")
     [[ ! -f $run/loaded ]] || { read -r had_calls && read -r had_schema; } <"$run/loaded"
-    if [[ $reset == yes || -z $had_calls || $had_calls != "${calls:-$had_calls}" ]]; then
+    if [[ $reset == yes || -z $had_calls || $had_calls != "${calls:-$had_calls}" ||
+        ! -f $run/directory/entries.ldif ]]; then
         fill_database "${calls:-200000}" "$schema"
     elif [[ $had_schema != "$schema" ]]; then
         say "Bringing the schema up to date (--reset makes the demo data anew)"
@@ -108,6 +110,7 @@ fill_database() {
     say "Loading them"
     (cd "$run/demo" && db --local-infile=1 "$db_name" <load.sql)
     write_file 0600 "$run/demo-users.tsv" <"$run/demo/demo-users.tsv"
+    take_directory "$run/demo/directory.ldif"
     rm -rf "$run/demo"
     printf '%s\n' "$calls" "$schema" >"$run/loaded"
 }

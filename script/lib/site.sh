@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # The portal's web site: the installed program and web folder, its settings, and Apache httpd. Uses
-# run, as_service, zone, listen, port and the database's names.
+# run, as_service, zone, listen, port, the database's names and the directory's.
 
 # install_site: copies what is served into the run folder, which the web server can read wherever the
 # checkout lies. Modification times stay, so that browsers' copies of style sheets stay good.
@@ -9,7 +9,9 @@ install_site() {
     rm -rf "$run/site.new"
     mkdir -p "$run/site.new/web"
     install -m 0755 "$checkout/build/lumora.cgi" "$run/site.new/lumora.cgi"
-    tar -C "$checkout/web" --exclude=node_modules --exclude='package*.json' -cf - . |
+    install -m 0755 "$checkout/build/release/lumora-pdf.so" "$run/site.new/lumora-pdf.so"
+    tar -C "$checkout/web" --exclude=node_modules --exclude='package*.json' \
+        --exclude=.npmrc --exclude=.installed -cf - . |
         tar -C "$run/site.new/web" -xf -
     cp -Rp "$checkout/config/apache/pages" "$run/site.new/pages"
     cp "$checkout/config/apache/lumora.conf" "$run/site.new/lumora.conf"
@@ -35,13 +37,14 @@ user=$db_user
 password=$db_password
 db=$db_name
 passwordFile=$(url_escape "$password_file")
-ldapserver=
-ldapuser=
-ldappassword=
+ldapserver=$directory_address
+ldapuser=$(url_escape "$directory_user")
+ldappassword=$directory_password
 END
     db -N -r "$db_name" -e "SELECT CONCAT(username, ':', passwordHash) FROM CustomerContact
         WHERE username <> '' AND passwordHash <> '' ORDER BY username" |
         write_file 0640 "$password_file"
+    install_report_pages "$config/reports"
     own "$run/root"
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "portal/PageTable.h"
+#include "portal/background/BackgroundRender.h"
 #include "portal/context/ManagerContext.h"
 #include "portal/theme/StandardPage.h"
 
@@ -26,17 +27,20 @@ const char* NormalName(const char* name) {
 }
 
 // What answers a name that has no row.
-std::unique_ptr<WebPage> FallbackPage(ManagerContext& ctx) {
-    const char* text = "Unknown Page";
-    const char* title = "Unknown Page";
-    if (CheckSecurityLevel(ctx, kRestrictedUser)) {
-        title = "No access";
-        text = "Sorry you do not have rights for this";
-    } else if (!CheckSecurityLevel(ctx, kConfigureCallCentre)) {
-        title = "No access";
-        text = "Sorry you do not have Configure Call Centre assigned security";
-    }
-    return std::unique_ptr<WebPage>(MessagePage(ctx, title, text));
+std::unique_ptr<WebItem> FallbackPage(ManagerContext& ctx, const char* name) {
+    constexpr char kNoAccess[] = "No access";
+    constexpr char kUnknown[] = "Unknown Page";
+    WebItem* page = nullptr;
+    if (CheckSecurityLevel(ctx, kRestrictedUser))
+        page = MessagePage(ctx, kNoAccess, "Sorry you do not have rights for this");
+    else if (!CheckSecurityLevel(ctx, kConfigureCallCentre))
+        page = MessagePage(ctx, kNoAccess,
+                           "Sorry you do not have Configure Call Centre assigned security");
+    else if (std::unique_ptr<WebItem> defined = BuildDefinedPage(ctx, name))
+        return defined;
+    else
+        page = MessagePage(ctx, kUnknown, kUnknown);
+    return std::unique_ptr<WebItem>(page);
 }
 
 }  // namespace
@@ -66,7 +70,9 @@ void DisplayPage(ManagerContext& ctx, WebRender* out) {
     ctx.internal_redirect = "";
     FillMenu(ctx, name.c_str());
 
-    std::unique_ptr<WebPage> page = BuildPage(ctx, name.c_str());
-    if (page == nullptr) page = FallbackPage(ctx);
-    if (ctx.internal_redirect.IsEmpty()) page->Render(ctx, out);
+    std::unique_ptr<WebItem> page = BuildPage(ctx, name.c_str());
+    if (page == nullptr) page = FallbackPage(ctx, name.c_str());
+    if (!ctx.internal_redirect.IsEmpty()) return;
+    if (ctx.background) BeginBackgroundOutput(ctx);
+    page->Render(ctx, out);
 }

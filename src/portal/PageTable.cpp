@@ -3,13 +3,23 @@
 #include <cstring>
 
 #include "portal/Dispatch.h"
+#include "portal/FileAnswers.h"
 #include "portal/context/ManagerContext.h"
+#include "portal/management/CustomerUserPassword.h"
+#include "portal/management/ManagerEdit.h"
+#include "portal/management/ManagerSearch.h"
+#include "portal/management/MediaSLA.h"
+#include "portal/management/UserSearch.h"
 #include "portal/report/LumoraReportPage.h"
+#include "portal/report/ReportAutocomplete.h"
+#include "portal/report/ReportProgress.h"
+#include "portal/tabular/TabularReport.h"
 #include "portal/theme/StandardPage.h"
 
 namespace {
 
 constexpr char kNoRights[] = "Sorry you do not have rights for this";
+constexpr char kNoAccessRights[] = "Sorry you do not have rights to access this";
 constexpr int kNoRight = 0;
 
 enum class Match { kExact, kPrefix };
@@ -18,27 +28,64 @@ enum class Match { kExact, kPrefix };
 struct Guard {
     int refusedBy = kNoRight;                       // refused when the user holds it
     bool (*allows)(ManagerContext& ctx) = nullptr;  // a further condition, or none
+    int needs = kNoRight;                           // refused when the user lacks it,
+    bool (*unless)(ManagerContext& ctx) = nullptr;  // but for requests of this kind
+    const char* refusal = kNoRights;
 };
 
 struct PageRow {
     const char* name;
     Match match;
     Guard guard;
-    WebPage* (*build)(ManagerContext& ctx);
-    const char* caption;  // its entry in the menu, or null for none
+    WebItem* (*build)(ManagerContext& ctx);          // null: the fallback answers
+    const char* caption;                             // its entry in the menu, or null for none
+    bool (*offered)(ManagerContext& ctx) = nullptr;  // whether the menu has it, rights apart
 };
 
-WebPage* BuildCallReport(ManagerContext& ctx) {
+WebItem* BuildCallReport(ManagerContext& ctx) {
     ctx.GetWebArgument("print", WebArgument::Any)->type_ = WebArgument::Global;
     ctx.GetWebArgument("csv", WebArgument::Any)->type_ = WebArgument::Global;
     ctx.GetWebArgument("wallboard", WebArgument::Any)->type_ = WebArgument::Global;
+    if (IsProgressAsked(ctx)) return new ReportProgressFeed(ctx);
     return new LumoraReportPage(ctx);
 }
 
-WebPage* BuildLogout(ManagerContext& ctx) {
+WebItem* BuildLogout(ManagerContext& ctx) {
     ctx.DeleteSession();
     ctx.client_redirect = "logout.cgi";
     return MessagePage(ctx, "Sign out", "You are being signed out.");
+}
+
+WebItem* BuildManagerEdit(ManagerContext& ctx) {
+    return ManagerEdit(ctx, /*permissions=*/false);
+}
+
+WebItem* BuildManagerPermissionsPage(ManagerContext& ctx) {
+    return ManagerEdit(ctx, /*permissions=*/true);
+}
+
+WebItem* BuildUserXml(ManagerContext& ctx) {
+    return new XMLUserSearchSQL(ctx, /*withAgents=*/false);
+}
+
+WebItem* BuildAgentXml(ManagerContext& ctx) {
+    return new XMLUserSearchSQL(ctx, /*withAgents=*/true);
+}
+
+template <class Page>
+WebItem* Build(ManagerContext& ctx) {
+    return new Page(ctx);
+}
+
+// A posted "Update" shows the list again, whoever sent it.
+bool IsUpdate(ManagerContext& ctx) {
+    const WebArgument* submit = ctx.FindWebArgument("submit");
+    return submit != nullptr && *submit == "Update";
+}
+
+// The menu goes by the rights that the session keeps: the page itself asks the database.
+bool OffersConfiguration(ManagerContext& ctx) {
+    return ctx.HasUserRight(32) && !ctx.HasUserRight(8);
 }
 
 // The order counts: the first row that matches answers. "homepage" and "reporter." are never
@@ -46,7 +93,36 @@ WebPage* BuildLogout(ManagerContext& ctx) {
 constexpr PageRow kPages[] = {
     {"homepage", Match::kExact, {}, BuildCallReport, nullptr},
     {"callreport", Match::kExact, {16, CheckReportCategory}, BuildCallReport, "Reports"},
+    {"autorespond2", Match::kExact, {}, Build<ReportValueSuggestions>, nullptr},
+    {"autorespond", Match::kExact, {}, Build<ReportEntitySuggestions>, nullptr},
+    {"manager.edit", Match::kExact, {}, BuildManagerEdit, nullptr},
+    {"manager.permissions", Match::kExact, {}, BuildManagerPermissionsPage, nullptr},
+    {"user.search",
+     Match::kExact,
+     {.needs = 1, .unless = IsUpdate},
+     WebXMLSearch,
+     "Telephone users"},
+    {"xml.user.search", Match::kExact, {}, BuildUserXml, nullptr},
+    {"xml.user.search.agent.add", Match::kExact, {}, BuildAgentXml, nullptr},
+    {"manager.search",
+     Match::kExact,
+     {.needs = 4, .refusal = kNoAccessRights},
+     BuildManagerSearch,
+     "Portal users"},
+    {"xml.manager.search", Match::kExact, {}, Build<XMLManagerSearch>, nullptr},
+    {"fr.sla", Match::kExact, {}, BuildMediaSLAs, "Media SLAs", OffersConfiguration},
+    {"fr.sla.add", Match::kExact, {}, BuildMediaSLAAdd, nullptr},
+    {"fr.sla.edit", Match::kExact, {}, BuildMediaSLAEdit, nullptr},
+    {"tabular", Match::kExact, {.refusedBy = 8, .needs = 32}, BuildTabularIndex, "Lists and forms"},
+    {"setting.password",
+     Match::kExact,
+     {},
+     Build<CustomerUserPassword>,
+     "Password",
+     HasPasswordFile},
     {"manager.logout", Match::kExact, {}, BuildLogout, "Sign out"},
+    {"pdf", Match::kExact, {}, BuildPdf, nullptr},
+    {"jsonchart", Match::kExact, {}, BuildJsonChart, nullptr},
     {"reporter.", Match::kPrefix, {}, BuildCallReport, nullptr},
 };
 
@@ -57,19 +133,25 @@ bool Matches(const PageRow& row, const char* name) {
 
 bool IsRefused(const Guard& guard, ManagerContext& ctx) {
     if (guard.refusedBy != kNoRight && CheckSecurityLevel(ctx, guard.refusedBy)) return true;
+    const bool exempt = guard.unless != nullptr && guard.unless(ctx);
+    if (guard.needs != kNoRight && !exempt && !CheckSecurityLevel(ctx, guard.needs)) return true;
     return guard.allows != nullptr && !guard.allows(ctx);
 }
 
 }  // namespace
 
-std::unique_ptr<WebPage> BuildPage(ManagerContext& ctx, const char* name) {
+std::unique_ptr<WebItem> BuildPage(ManagerContext& ctx, const char* name) {
     for (const PageRow& row : kPages) {
         if (!Matches(row, name)) continue;
-        WebPage* page =
-            IsRefused(row.guard, ctx) ? MessagePage(ctx, "No access", kNoRights) : row.build(ctx);
-        return std::unique_ptr<WebPage>(page);
+        WebItem* page = IsRefused(row.guard, ctx) ? MessagePage(ctx, "No access", row.guard.refusal)
+                                                  : row.build(ctx);
+        return std::unique_ptr<WebItem>(page);
     }
     return nullptr;
+}
+
+std::unique_ptr<WebItem> BuildDefinedPage(ManagerContext& ctx, const char* name) {
+    return BuildTabularReport(ctx, name);
 }
 
 void FillMenu(ManagerContext& ctx, const char* name) {
@@ -78,6 +160,8 @@ void FillMenu(ManagerContext& ctx, const char* name) {
         if (row.caption == nullptr) continue;
         // The rights kept in the session are enough here: the page itself asks the database.
         if (row.guard.refusedBy != kNoRight && ctx.HasUserRight(row.guard.refusedBy)) continue;
+        if (row.guard.needs != kNoRight && !ctx.HasUserRight(row.guard.needs)) continue;
+        if (row.offered != nullptr && !row.offered(ctx)) continue;
         ctx.menu.push_back({row.caption, row.name, strcmp(row.name, name) == 0});
     }
 }

@@ -1,9 +1,12 @@
 // One request, one process, one page. Whatever fails is shown on the page, and the exit status is
 // 0.
 #include <signal.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <memory>
 
 #include "cgiFramework/WebRender.h"
@@ -13,6 +16,7 @@
 #include "kernel/OSConsole.h"
 #include "kernel/OSStartup.h"
 #include "portal/Dispatch.h"
+#include "portal/background/BackgroundRender.h"
 #include "portal/context/ManagerContext.h"
 #include "portal/theme/StandardPage.h"
 
@@ -35,11 +39,21 @@ void ReadSyslogLevel(ManagerContext& ctx) {
     fprintf(stderr, "syslog_level=%d\n", syslog_level);
 }
 
+// A session that could not be read must not be written either.
+void OpenSession(ManagerContext& ctx) {
+    try {
+        ctx.InitSession(kSessionName, kSessionSeconds, /*inUrl=*/true);
+    } catch (const char*) {
+        ctx.LeaveSession();
+        throw;
+    }
+    ctx.GetWebSessionVar("tmp");
+}
+
 // Answers the page, and the pages that it hands the request on to.
 void AnswerRequest(ManagerContext& ctx, WebRender& out) {
     for (int round = 1;; ++round) {
-        ctx.InitSession(kSessionName, kSessionSeconds, /*inUrl=*/true);
-        ctx.GetWebSessionVar("tmp");
+        OpenSession(ctx);
         DisplayPage(ctx, &out);
         if (ctx.internal_redirect.IsEmpty()) return;
         if (round == kMostRounds) throw "The page hands the request on without end.";
@@ -57,6 +71,11 @@ void ShowError(WebContext& ctx, const char* message, StdoutWebRender& out) {
     page.showIdentityNotice = false;
     WebDiv& block = page.Adopt(new WebDiv("class=\"reportWarning\" role=\"alert\""));
     block.Add(new WebValue("SYSTEM ERROR: %s", HtmlText(message).c_str()));
+    auto* manager = dynamic_cast<ManagerContext*>(&ctx);
+    if (manager != nullptr && manager->background && !HasBackgroundOutput()) {
+        OfferErrorPage(*manager, page);
+        return;
+    }
     // A page of which the browser has a part already can only be followed by the message.
     if (out.Discard())
         page.Render(ctx, &out);
@@ -64,38 +83,90 @@ void ShowError(WebContext& ctx, const char* message, StdoutWebRender& out) {
         block.Render(ctx, &out);
 }
 
-std::unique_ptr<ManagerContext> OpenContext(const char* program, StdoutWebRender& out) {
+// Runs `work`; whatever it throws goes to `failed` as a text.
+template <class Work, class Failed>
+void Attempt(Work work, Failed failed) {
     try {
-        auto ctx = std::make_unique<ManagerContext>(kSettingsFile, kReportFolder);
-        ReadSyslogLevel(*ctx);
-        return ctx;
+        work();
     } catch (const char* message) {
-        LogError("Context failed");
-        WebContext bare(program, nullptr);
-        ShowError(bare, message, out);
-        fputs(message, stderr);
-        return nullptr;
+        failed(message);
+    } catch (const std::exception& failure) {
+        failed(failure.what());
     }
+}
+
+// The last resort, when not even the page that says what went wrong can be made.
+void ShowPlainError(const char* message, StdoutWebRender& out) {
+    if (out.Discard()) out.Write("Content-type: text/plain;charset=utf-8\n\n");
+    out.Write("SYSTEM ERROR: ");
+    out.Write(message);
+    out.Write("\n");
+}
+
+// What the request could be read as once already is not read again: it may be what failed.
+void ForgetRequest() {
+    for (const char* name : {"QUERY_STRING", "CONTENT_LENGTH", "CONTENT_TYPE", "HTTP_COOKIE"})
+        unsetenv(name);
+}
+
+void ReportContextFailure(const char* program, const char* message, StdoutWebRender& out) {
+    LogError("Context failed");
+    // The text may lie in a buffer that the next failure uses.
+    const UString text(message);
+    ForgetRequest();
+    Attempt(
+        [&] {
+            WebContext bare(program, nullptr);
+            ShowError(bare, text.c_str(), out);
+        },
+        [&](const char*) { ShowPlainError(text.c_str(), out); });
+    fputs(text.c_str(), stderr);
+}
+
+std::unique_ptr<ManagerContext> OpenContext(const char* program, StdoutWebRender& out) {
+    std::unique_ptr<ManagerContext> ctx;
+    Attempt(
+        [&] {
+            ctx = std::make_unique<ManagerContext>(kSettingsFile, kReportFolder);
+            current_context = ctx.get();
+            ReadSyslogLevel(*ctx);
+        },
+        [&](const char* message) { ReportContextFailure(program, message, out); });
+    return ctx;
+}
+
+void Answer(ManagerContext& ctx, StdoutWebRender& out) {
+    Attempt(
+        [&] {
+            AnswerRequest(ctx, out);
+            ctx.SaveSession();
+        },
+        [&](const char* message) {
+            LogError("DisplayPage failed");
+            ConsoleReport("DisplayPage: %s\n", message);
+            const UString text(message);
+            Attempt([&] { ShowError(ctx, text.c_str(), out); },
+                    [&](const char*) { ShowPlainError(text.c_str(), out); });
+        });
+    if (!ctx.background) return;
+    out.Flush();
+    EndBackground(ctx);
 }
 
 }  // namespace
 
 int main(int, char** argv) {
+    // What a web server leaves open is not this program's, and must not outlive the request in
+    // another process.
+    close_range(STDERR_FILENO + 1, ~0U, 0);
     os_startup();
     Console->SetStream(stderr);
     signal(SIGPIPE, SIG_IGN);  // a browser that has gone is noticed by the sink
+    signal(SIGUSR1, SIG_IGN);  // only what renders in the background can be cancelled
     {
         StdoutWebRender out;
         const std::unique_ptr<ManagerContext> ctx = OpenContext(argv[0], out);
-        if (ctx != nullptr) {
-            try {
-                AnswerRequest(*ctx, out);
-            } catch (const char* message) {
-                LogError("DisplayPage failed");
-                ConsoleReport("DisplayPage: %s\n", message);
-                ShowError(*ctx, message, out);
-            }
-        }
+        if (ctx != nullptr) Answer(*ctx, out);
     }
     Console = nullptr;
     return 0;

@@ -44,7 +44,7 @@ test('a user without call reports is told so on every way to them', async () => 
         assert.deepEqual(shown(text).rows, [], query);
         assert.deepEqual(
             menuOf(text).map(({ caption }) => caption),
-            ['Sign out'],
+            ['Password', 'Sign out'],
             query,
         );
     }

@@ -2,13 +2,16 @@
 
 #include <mysql.h>
 #include <strings.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "common/CommandLine.h"
 #include "common/ThrowText.h"
 #include "kernel/OSConsole.h"
+#include "ldap/LDAPSession.h"
 
 namespace {
 
@@ -39,6 +42,8 @@ constexpr char kZoneNameSql[] =
     "SELECT IF(@@session.time_zone = 'SYSTEM', @@system_time_zone, @@session.time_zone)";
 constexpr char kUserRightsSql[] =
     "SELECT rightid FROM CustomerUserRight WHERE customerid = '%i' and guid = '%i' ";
+constexpr char kAllRightsSql[] =
+    "select rightsid from CustomerRights where customerid = '%i'union SELECT rightid FROM CustomerUserRight WHERE customerid = '%i' and guid = '%s' ";
 constexpr char kReportMaskSql[] =
     "SELECT attribvalue FROM CustomerContactAttrib WHERE attribname = 'reportmask' AND userId = '%i' ";
 constexpr char kSuperQueueSql[] =
@@ -59,6 +64,12 @@ const char* Environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
+// The settings file's directory server stands in for the customer's own.
+void UseSetting(const WebContext& ctx, const char* name, UString& field) {
+    const char* setting = ctx.GetSetting(name);
+    if (*setting != '\0') field = setting;
+}
+
 UString SenderAddress(const char* domain) {
     UString address;
     address.Format("DoNotReply@%s", domain);
@@ -70,7 +81,22 @@ UString SenderAddress(const char* domain) {
 PortalContext::PortalContext(const char* config_, const char* dirname_)
     : WebContext(config_, dirname_), protocol("http"), currency(kPoundSign) {}
 
-PortalContext::~PortalContext() = default;
+PortalContext::~PortalContext() {
+    // The base class saves a session that has a file.
+    if (!savesSession_) session_prefix = "";
+}
+
+void PortalContext::SaveSession() {
+    // Not once more at the end, should this fail.
+    if (std::exchange(savesSession_, false)) SaveWebSessionVars(nullptr);
+}
+
+void PortalContext::LeaveSQLSession() {
+    if (sql_session == nullptr) return;
+    // Closing it politely would end the connection for the other process too.
+    close(mysql_get_socket(sql_session->connection()));
+    static_cast<void>(sql_session.release());
+}
 
 const char* PortalContext::GetVariable(const char* name) {
     return WebContext::GetVariable(name);
@@ -99,6 +125,34 @@ void PortalContext::ReadSettings() {
     UseTimeZone();
     CachedValue(zoneName, "portalContextZoneName", SqlText(kZoneNameSql), /*joined=*/false);
     BuildSecurityRights(contactId);
+}
+
+void PortalContext::CloseLDAPSession() {
+    ldap_session.reset();
+}
+
+LDAPSession* PortalContext::GetLDAPSession(bool existingOnly) {
+    if (ldap_session != nullptr)
+        ldap_session->Flush();
+    else if (!existingOnly)
+        OpenLDAPSession();
+    return ldap_session.get();
+}
+
+void PortalContext::OpenLDAPSession() {
+    if (!ldapFailure_.IsEmpty()) ThrowText("%s", ldapFailure_.c_str());
+    // Settings only: a browser must not send the portal, and its password, to another server.
+    UseSetting(*this, "ldapuser", primaryLDAPUser);
+    UseSetting(*this, "ldappassword", primaryLDAPPassword);
+    UseSetting(*this, "ldapserver", primaryLDAPServer);
+    try {
+        ldap_session =
+            std::make_unique<LDAPSession>(primaryLDAPServer.c_str(), primaryLDAPUser.c_str(),
+                                          primaryLDAPPassword.c_str(), nullptr);
+    } catch (const char* failure) {
+        ldapFailure_ = failure;
+        throw;
+    }
 }
 
 SQLSession* PortalContext::GetSQLSession() {
@@ -168,6 +222,7 @@ void PortalContext::ForgetIdentity() {
 
 void PortalContext::ReadIdentity() {
     ForgetIdentity();
+    identityRead_ = true;
     SQLSession db(GetSQLSession());
     const SqlQuoted user(UserName());
     const SqlQuoted host(ServerName());
@@ -205,8 +260,16 @@ void PortalContext::SaveSqlSession(MYSQL_RES* result, char** row, const char* pr
 }
 
 void PortalContext::BuildSecurityRights(int contact) {
-    CachedValue(accessRights, "portalContextUserRights",
-                SqlText(kUserRightsSql, customerId, contact), /*joined=*/true);
+    BuildSecurityRights(SqlText(kUserRightsSql, customerId, contact), contact);
+}
+
+void PortalContext::BuildSecurityRights(const UString& guid) {
+    BuildSecurityRights(SqlText(kAllRightsSql, customerId, customerId, SqlQuoted(guid)),
+                        atoi(guid.c_str()));
+}
+
+void PortalContext::BuildSecurityRights(const SqlText& rights, int contact) {
+    CachedValue(accessRights, "portalContextUserRights", rights, /*joined=*/true);
     CachedValue(reportMask, "portalContextReportMask", SqlText(kReportMaskSql, contact),
                 /*joined=*/false);
     CachedValue(superQueue, "portalContextSuperQueue", SqlText(kSuperQueueSql, contact),
@@ -234,6 +297,13 @@ void PortalContext::CachedValue(UString& field, const char* variable, const SqlT
     if (joined) text += '0';
     field = text.c_str();
     SetWebSessionVar(variable, field.c_str());
+}
+
+bool PortalContext::MayChange() {
+    if (!HasOwnSession()) return false;
+    if (!IsSessionIdForeign()) return true;
+    RenewSessionId();
+    return false;
 }
 
 bool PortalContext::HasUserRight(int rightId) const {

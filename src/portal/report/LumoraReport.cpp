@@ -38,6 +38,8 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
     AddHeaderLine(header, "h4", "Time Filter: ", query.GetTimeTitle());
     AddHeaderLine(header, "h4", "Filtered on: ", filteredOn);
 
-    Add(new LumoraReportTable(ctx, definition.pagename.c_str(), query.GetQuery(),
-                              std::move(columns)));
+    LumoraReportTable& table = Adopt(new LumoraReportTable(ctx, definition.pagename.c_str(),
+                                                           query.GetQuery(), std::move(columns)));
+    // In the background the page is only built, and its reader told, once the result is there.
+    if (ctx.background) table.Run(ctx);
 }

@@ -5,12 +5,14 @@
 
 #include "common/Html.h"
 #include "common/Log.h"
+#include "portal/background/BackgroundJob.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReport.h"
 #include "portal/report/LumoraReportFilter.h"
 #include "portal/report/ReportCatalogue.h"
 #include "portal/report/ReportDefinition.h"
 #include "portal/report/ReportMessage.h"
+#include "portal/report/ReportProgress.h"
 
 namespace {
 
@@ -18,6 +20,13 @@ constexpr char kCostDefaultsSql[] =
     "SELECT AttribName, AttribValue FROM CustomerAttribute WHERE CustomerId = %s AND "
     "AttribName IN ('markup','vatrate')";
 enum { kAttribName, kAttribValue };
+
+// How long a request waits for a result before it shows the progress, and how long one that follows
+// a run.
+constexpr int kFirstWaitMs = 2000;
+constexpr int kFollowMs = 500;
+
+constexpr char kNoResult[] = "The report ended before it had a result. Please run it again.";
 
 bool IsGiven(const WebContext& ctx, const char* name) {
     const WebArgument* argument = ctx.FindWebArgument(name);
@@ -59,6 +68,16 @@ void AddActions(PortalContext& ctx, WebItem& page, const char* changePagename) {
     AddAction(actions, url, "Change criteria");
 }
 
+bool IsWaitAsked(const WebContext& ctx) {
+    const WebArgument* wait = ctx.FindWebArgument("wait");
+    return wait != nullptr && *wait == "1";
+}
+
+bool IsCancel(const WebContext& ctx) {
+    const WebArgument* submit = ctx.FindWebArgument("submit");
+    return submit != nullptr && *submit == "Cancel Report";
+}
+
 }  // namespace
 
 LumoraReportPage::LumoraReportPage(PortalContext& ctx) : StandardPage(ctx) {
@@ -68,14 +87,27 @@ LumoraReportPage::LumoraReportPage(PortalContext& ctx) : StandardPage(ctx) {
         AddCatalogue(ctx);
 }
 
+LumoraReportPage::~LumoraReportPage() = default;
+
+void LumoraReportPage::Render(WebContext& ctx, WebRender* out) {
+    if (ready_ != nullptr) {
+        if (ready_->HandOver(*out)) return;
+        Add(new ReportWarning(kNoResult));
+    }
+    StandardPage::Render(ctx, out);
+}
+
 void LumoraReportPage::AddCatalogue(PortalContext& ctx) {
     title = "Reports";
     Add(new ReportCatalogue(ctx));
 }
 
 void LumoraReportPage::AddReport(PortalContext& ctx, const char* pagename) {
-    const bool submitted = IsGiven(ctx, "submit");
-    LumoraReportFilter filter(ctx, /*fromSession=*/!submitted && IsGiven(ctx, "change"));
+    const bool cancelled = IsCancel(ctx);
+    const bool followed = !cancelled && IsGiven(ctx, "query_id");
+    const bool submitted = !cancelled && !followed && IsGiven(ctx, "submit");
+    const bool fromSession = cancelled || followed || IsGiven(ctx, "change");
+    LumoraReportFilter filter(ctx, fromSession && !submitted);
     const std::unique_ptr<ReportDefinition> definition =
         ReportDefinition::Load(ctx, pagename, filter);
     if (definition == nullptr) {
@@ -91,11 +123,13 @@ void LumoraReportPage::AddReport(PortalContext& ctx, const char* pagename) {
         return;
     }
     ApplyCostDefaults(ctx, filter);
+    if (cancelled) return CancelRun(ctx, *definition, filter);
+    if (followed) return FollowRun(ctx, *definition, filter);
     // A form that nobody has filled in yet has nothing to be told.
     const std::vector<FilterProblem> problems =
         submitted ? filter.Check() : std::vector<FilterProblem>();
     if (submitted && problems.empty())
-        AddResult(ctx, *definition, filter);
+        RunReport(ctx, *definition, filter);
     else
         AddForm(ctx, *definition, filter, problems);
 }
@@ -109,10 +143,24 @@ void LumoraReportPage::AddForm(PortalContext& ctx, const ReportDefinition& defin
     Add(filter.filterForm(ctx, filter, problems));
 }
 
+void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& definition,
+                                 const LumoraReportFilter& filter) {
+    filter.SaveToSession(ctx);
+    // The session is written before the wait begins, so that nobody's changes meanwhile are lost.
+    UpdateHistory(ctx);
+    addToHistory = false;
+    ctx.SaveSession();
+    if (auto job = BackgroundJob::Start(ctx)) {
+        const int wait = IsWaitAsked(ctx) ? BackgroundJob::kNoLimit : kFirstWaitMs;
+        if (!AwaitRun(ctx, definition, std::move(job), wait)) Add(new ReportWarning(kNoResult));
+        return;
+    }
+    AddResult(ctx, definition, filter);
+}
+
 void LumoraReportPage::AddResult(PortalContext& ctx, const ReportDefinition& definition,
                                  const LumoraReportFilter& filter) {
     title = definition.name + " - Report";
-    filter.SaveToSession(ctx);
     AddActions(ctx, *this, definition.pagename.c_str());
     try {
         Add(new LumoraReport(ctx, definition, filter));
@@ -120,4 +168,41 @@ void LumoraReportPage::AddResult(PortalContext& ctx, const ReportDefinition& def
         LogError("Report %s: %s", definition.pagename.c_str(), message);
         Add(new ReportWarning(message));
     }
+}
+
+void LumoraReportPage::FollowRun(PortalContext& ctx, const ReportDefinition& definition,
+                                 LumoraReportFilter& filter) {
+    addToHistory = false;
+    ctx.LeaveSession();
+    auto job = BackgroundJob::Find(ctx, ctx.FindWebArgument("query_id")->Text());
+    if (job != nullptr && AwaitRun(ctx, definition, std::move(job), kFollowMs)) return;
+    Add(new ReportNotice(
+        "This run of the report is over: it was shown already, cancelled, or given up because "
+        "nobody waited for it."));
+    AddForm(ctx, definition, filter, {});
+}
+
+void LumoraReportPage::CancelRun(PortalContext& ctx, const ReportDefinition& definition,
+                                 LumoraReportFilter& filter) {
+    addToHistory = false;
+    Add(new ReportNotice(CancelReport(ctx)));
+    AddForm(ctx, definition, filter, {});
+}
+
+// Makes this page the job's answer, or its progress. False when the job has ended without one.
+bool LumoraReportPage::AwaitRun(PortalContext& ctx, const ReportDefinition& definition,
+                                std::unique_ptr<BackgroundJob> job, int milliseconds) {
+    title = definition.name + " - Report";
+    switch (job->Wait(milliseconds)) {
+        case BackgroundJob::kReady:
+            ready_ = std::move(job);
+            return true;
+        case BackgroundJob::kRunning:
+            AddActions(ctx, *this, nullptr);
+            AddProgress(ctx, *this, definition.pagename.c_str(), *job);
+            return true;
+        case BackgroundJob::kEnded:
+            break;
+    }
+    return false;
 }

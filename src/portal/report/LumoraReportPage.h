@@ -1,10 +1,12 @@
 // LumoraReportPage.h: the entry to all call reports: catalogue, criteria form and result.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "portal/theme/StandardPage.h"
 
+class BackgroundJob;
 class LumoraReportFilter;
 class PortalContext;
 struct FilterProblem;
@@ -14,16 +16,34 @@ struct ReportDefinition;
 // form, filled from the arguments, or from the session when "change" is given; and with "submit"
 // too it runs the report. Criteria that cannot be used bring the form back with a message beside
 // each, and no query runs.
+//
+// A run is made by another process. This page hands that one's answer over when it is ready within
+// about two seconds, or whenever it is when "wait" is 1; else it shows the progress, and so does
+// every request with the run's "query_id", until one hands the answer over. "submit" with "Cancel
+// Report" ends the run.
 class LumoraReportPage : public StandardPage {
   public:
-    // Throws the server's message where there is nothing else to show.
+    // Throws the server's message where there is nothing else to show. In the process that renders
+    // in the background (`ctx.background`) it returns with the whole result.
     explicit LumoraReportPage(PortalContext& ctx);
+    ~LumoraReportPage() override;
+    void Render(WebContext& ctx, WebRender* out) override;
 
   private:
     void AddCatalogue(PortalContext& ctx);
     void AddReport(PortalContext& ctx, const char* pagename);
     void AddForm(PortalContext& ctx, const ReportDefinition& definition, LumoraReportFilter& filter,
                  const std::vector<FilterProblem>& problems);
+    void RunReport(PortalContext& ctx, const ReportDefinition& definition,
+                   const LumoraReportFilter& filter);
     void AddResult(PortalContext& ctx, const ReportDefinition& definition,
                    const LumoraReportFilter& filter);
+    void FollowRun(PortalContext& ctx, const ReportDefinition& definition,
+                   LumoraReportFilter& filter);
+    void CancelRun(PortalContext& ctx, const ReportDefinition& definition,
+                   LumoraReportFilter& filter);
+    bool AwaitRun(PortalContext& ctx, const ReportDefinition& definition,
+                  std::unique_ptr<BackgroundJob> job, int milliseconds);
+
+    std::unique_ptr<BackgroundJob> ready_;  // its answer is this page's
 };

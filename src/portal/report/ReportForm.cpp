@@ -1,15 +1,38 @@
 // The criteria form of a report, "searchForm".
 #include <cstring>
 
+#include "cgiFramework/LDAPDropDown.h"
 #include "cgiFramework/WebForm.h"
 #include "common/Html.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportFilter.h"
+#include "portal/report/ReportDirectory.h"
 #include "portal/report/ReportPeriod.h"
 
 namespace {
 
 constexpr char kProgressImage[] = "Images/Norvane/progress1.gif";
+constexpr char kSuggestEntities[] = "pagename=autorespond&logging=on&format=json";
+constexpr char kSuggestValues[] = "pagename=autorespond2&searchtype=%s";
+
+// The boxes that say for which kinds of entities names are offered.
+constexpr struct {
+    const char* searchtype;
+    const char* tick;
+    const char* label;
+} kTicks[] = {{"user", "userTick", "Users"},
+              {"dept", "deptTick", "Departments"},
+              {"group", "groupTick", "Reporting Groups"},
+              {"contact", "contactTick", "Contacts"},
+              {"queue", "queueTick", "Queues"},
+              {"agent", "agentTick", "Agents"},
+              {"company", "companyTick", "Companies"},
+              {"inbox", "inboxTick", "Inboxes"}};
+
+constexpr char kNoDirectory[] =
+    "The choices cannot be shown, because the directory cannot be read. The report can be "
+    "run without them.";
+
 // The time of day as the server reads it (IsHhmm).
 constexpr char kHhmmPattern[] = "([01][0-9]|2[0-3])[0-5][0-9]";
 
@@ -30,6 +53,9 @@ class FormBuilder {
     void AddPeriodRows();
     void AddTimeRow();
     void AddEntityRow();
+    void AddTicks(WebCell& cell);
+    void AddValueRow(const char* label, const char* name, const char* size, const UString& value);
+    void AddDirectoryRow(const DirectoryCriterion& criterion);
     void AddDate(WebCell& cell, const char* name, const char* label, const UString& value);
     void AddTime(WebCell& cell, const char* name, const char* label, const UString& value);
     void AddButtons(WebForm& form);
@@ -100,17 +126,19 @@ void FormBuilder::AddDate(WebCell& cell, const char* name, const char* label,
 }
 
 void FormBuilder::AddPeriodRows() {
-    const auto options = PeriodOptions();
+    LDAPDropDownValue usual;
+    for (const PeriodOption& option : PeriodOptions())
+        usual.Add(option.keyword, option.label);
+    const LDAPDropDownValue& periods =
+        offered_.ddl_daterange != nullptr ? *offered_.ddl_daterange : usual;
     const bool datesGiven = !current_.startDate.IsEmpty() || !current_.endDate.IsEmpty();
-    const char* chosen =
-        datesGiven ? options[kCustomPeriodIndex].keyword : current_.reportPeriod.c_str();
+    const UString chosen = datesGiven && periods.choices.size() > kCustomPeriodIndex
+                               ? UString(periods.choices[kCustomPeriodIndex].value.c_str())
+                               : current_.reportPeriod;
 
     WebCell& cell = AddRow("reportPeriod", "Report Period");
-    WebDropDownList& list =
-        cell.Adopt(new WebDropDownList("reportPeriod", Attributes("reportPeriod", "").c_str()));
-    for (const PeriodOption& option : options)
-        list.Add(new WebDropDownListItem(strcmp(option.keyword, chosen) == 0, option.keyword,
-                                         option.label));
+    cell.Add(new LDAPDropDownList("reportPeriod", Attributes("reportPeriod", "").c_str(), periods,
+                                  chosen.c_str(), /*none=*/nullptr));
     AddDate(cell, "startDate", "Start Date: ", current_.startDate);
     AddDate(cell, "endDate", "End Date: ", current_.endDate);
 }
@@ -152,9 +180,57 @@ void FormBuilder::AddEntityRow() {
             list.Add(new WebDropDownListItem(kindChosen == kind.searchtype, kind.searchtype,
                                              kind.label));
     AddProblems(cell, "searchtype");
+    UString more;
+    more.Format(
+        "size=\"40\" data-suggest=\"%s\" data-ticks=\"suggest1_ticks\" "
+        "data-kind=\"searchtype\"",
+        HtmlAttr(ctx_.GetURL(kSuggestEntities)).c_str());
     cell.Add(new WebField("suggest1", "text", HtmlAttr(text.c_str()).c_str(),
-                          Attributes("suggest1", "size=\"40\"").c_str()));
+                          Attributes("suggest1", more.c_str()).c_str()));
+    AddTicks(cell);
     cell.Adopt(new WebDiv("class=\"hint\"")).Add(new WebValue("Leave this empty for all"));
+}
+
+void FormBuilder::AddTicks(WebCell& cell) {
+    WebDiv& row =
+        cell.Adopt(new WebDiv("class=\"tickRow\" id=\"suggest1_ticks\" role=\"group\" "
+                              "aria-label=\"Offer while typing\""));
+    for (const EntityKind& kind : EntityKinds()) {
+        if (!(offered_.*kind.offered)) continue;
+        for (const auto& tick : kTicks)
+            if (strcmp(tick.searchtype, kind.searchtype) == 0)
+                row.Add(
+                    new WebValue("<label><input type=\"checkbox\" name=\"%s\" id=\"%s\" "
+                                 "checked>%s</label> ",
+                                 tick.tick, tick.tick, tick.label));
+    }
+}
+
+// A criterion that is any text, with the values that there are offered while somebody types.
+void FormBuilder::AddValueRow(const char* label, const char* name, const char* size,
+                              const UString& value) {
+    UString id("suggest");
+    id += name;
+    UString more;
+    more.Format("%s data-suggest=\"%s\"", size,
+                HtmlAttr(ctx_.GetURL(kSuggestValues, name)).c_str());
+    WebCell& cell = AddRow(id.c_str(), label);
+    cell.Add(new WebField(name, "text", HtmlAttr(value.c_str()).c_str(),
+                          Attributes(id.c_str(), more.c_str()).c_str()));
+}
+
+// Without the directory the rest of the form can be used all the same.
+void FormBuilder::AddDirectoryRow(const DirectoryCriterion& criterion) {
+    WebCell& cell = AddRow(criterion.field, criterion.label);
+    LDAPDropDownValue value;
+    if (ReadDirectoryChoices(ctx_, criterion, value)) {
+        cell.Add(new LDAPDropDownList(criterion.field, Attributes(criterion.field, "").c_str(),
+                                      value, (current_.*criterion.chosen).c_str(), criterion.all));
+    } else {
+        cell.Adopt(new WebDiv("class=\"fieldError\" role=\"alert\" id=\"%s\"", criterion.field))
+            .Add(new WebValue("%s", kNoDirectory));
+    }
+    AddProblems(cell, criterion.field);
 }
 
 void FormBuilder::AddButtons(WebForm& form) {
@@ -191,6 +267,10 @@ WebItem* FormBuilder::Build() {
     for (const EntityKind& kind : EntityKinds())
         anyKind = anyKind || offered_.*kind.offered;
     if (anyKind) AddEntityRow();
+    if (offered_.hasTag) AddValueRow("Tag:", "tag", "style=\"width: 153px\"", current_.tagFilter);
+    if (offered_.hasDDI) AddValueRow("DDI:", "ddi", "size=\"40\"", current_.ddi);
+    for (const DirectoryCriterion& criterion : DirectoryCriteria())
+        if (criterion.offered(offered_)) AddDirectoryRow(criterion);
     AddOtherProblems(messages);
 
     if (offered_.formExtras != nullptr) {
@@ -199,7 +279,11 @@ WebItem* FormBuilder::Build() {
     }
     AddButtons(*form);
     form->Add(
-        new WebValue("<script src=\"js/cal.js\" defer></script>"
+        new WebValue("<script src=\"lib/jquery.min.js\" defer></script>"
+                     "<script src=\"lib/jquery-ui.min.js\" defer></script>"
+                     "<script src=\"js/suggest.js\" defer></script>"
+                     "<script src=\"js/cal.js\" defer></script>"
+                     "<script src=\"js/select.js\" defer></script>"
                      "<script src=\"js/notify.js\" defer></script>\n"));
     return form.release();
 }

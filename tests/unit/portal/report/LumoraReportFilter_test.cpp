@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "cgiFramework/LDAPDropDown.h"
 #include "cgiFramework/WebPage.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportSQLCol.h"
@@ -228,6 +229,26 @@ TEST_CASE("the form offers the report's rows, keeps what was typed and escapes i
     offered.hasUser = false;
     CHECK_FALSE(Holds(Rendered(ctx, offered.filterForm(ctx, current)), "begintime"));
     CHECK_FALSE(Holds(Rendered(ctx, offered.filterForm(ctx, current)), "suggest1"));
+}
+
+TEST_CASE("a list of periods that is handed in stands in for the form's own") {
+    TestRequest request;
+    PortalContext ctx(kConfig, nullptr);
+    LDAPDropDownValue periods;
+    periods.Add("today", "Oggi");
+    periods.Add("lastmonth", "<Il mese scorso>");
+    Filter offered;
+    offered.SetDateDDL(&periods);
+    Filter current;
+    current.reportPeriod = "lastmonth";
+    std::string form = Rendered(ctx, offered.filterForm(ctx, current));
+    CHECK(Holds(form, "value=\"today\">Oggi"));
+    CHECK(Holds(form, "<option selected value=\"lastmonth\">&lt;Il mese scorso&gt;"));
+    CHECK_FALSE(Holds(form, "value=\"yesterday\""));
+    // A list without the choice for explicit dates has nothing to select for them.
+    current.startDate = "2024-03-15";
+    form = Rendered(ctx, offered.filterForm(ctx, current));
+    CHECK(Holds(form, "value=\"2024-03-15\""));
 }
 
 TEST_CASE("a problem stands beside its field, or above the form when that has no such field") {

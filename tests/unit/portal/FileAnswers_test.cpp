@@ -1,0 +1,43 @@
+#include "portal/FileAnswers.h"
+
+#include <arpa/inet.h>
+#include <doctest/doctest.h>
+#include <ifaddrs.h>
+#include <netinet/in.h>
+
+#include <map>
+#include <string>
+
+#include "portal/LookupIface.h"
+
+TEST_CASE("a chart is a session's own when its name begins with the whole id") {
+    const struct {
+        const char* name;
+        const char* session;
+        bool own;
+    } cases[] = {
+        {"12_1.json", "12", true},     {"12.json", "12", true}, {"123_1.json", "12", false},
+        {"1_1.json", "12", false},     {"12", "12", false},     {"12_../x", "12", false},
+        {"../12_1.json", "12", false}, {"", "12", false},       {"_1.json", "", false},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.name);
+        CHECK(IsOwnChart(c.name, UString(c.session)) == c.own);
+    }
+}
+
+TEST_CASE("the outside interface's address is the first that the machine has, in host order") {
+    std::map<std::string, unsigned long> addresses;
+    ifaddrs* all = nullptr;
+    REQUIRE(getifaddrs(&all) == 0);
+    for (const ifaddrs* each = all; each != nullptr; each = each->ifa_next)
+        if (each->ifa_addr != nullptr && each->ifa_addr->sa_family == AF_INET)
+            addresses.emplace(
+                each->ifa_name,
+                ntohl(reinterpret_cast<const sockaddr_in*>(each->ifa_addr)->sin_addr.s_addr));
+    freeifaddrs(all);
+    unsigned long expected = 0;
+    for (const char* name : {"eth0", "eth1", "ppp0", "ppp1"})
+        if (addresses.count(name) != 0) expected = addresses[name];
+    CHECK(LookupIface(0) == expected);
+}
