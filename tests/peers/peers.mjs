@@ -43,6 +43,7 @@ export function runBeside(program, args, input = '') {
     const env = { ...process.env, LDAPNOINIT: '1' };
     const child = execFile(program, args, { encoding: 'utf8', timeout: 60000, env },
       (error, out, err) => resolve({ code: error ? error.code : 0, out, err }));
+    child.stdin.on('error', () => {});  // it may end without reading what it is given
     child.stdin.end(input);
   });
 }
