@@ -180,7 +180,7 @@ CREATE TABLE IF NOT EXISTS CallReport (
     SQLQuery             MEDIUMTEXT NULL,               -- template with [placeholders]
     reportFile           VARCHAR(255) NOT NULL DEFAULT '',  -- column definition file
     globalSQL            MEDIUMTEXT NULL,
-    format               VARCHAR(64) NOT NULL DEFAULT '',
+    format               VARCHAR(255) NOT NULL DEFAULT '',  -- words (docs/reports.md)
     multititle           VARCHAR(255) NOT NULL DEFAULT '',
     multikeyfield        VARCHAR(64) NOT NULL DEFAULT '',
     multikeyfield2       VARCHAR(64) NOT NULL DEFAULT '',
@@ -204,8 +204,11 @@ CREATE TABLE IF NOT EXISTS CallReport (
     opt_outdept          TINYINT NOT NULL DEFAULT 0,
     opt_inbox            TINYINT NOT NULL DEFAULT 0,
     opt_tag              TINYINT NOT NULL DEFAULT 0,
+    help                 TEXT NULL,                     -- for readers, a paragraph a line
     PRIMARY KEY (pagename)
 );
+ALTER TABLE CallReport ADD COLUMN IF NOT EXISTS help TEXT NULL,
+    MODIFY COLUMN format VARCHAR(255) NOT NULL DEFAULT '';
 
 -- Exactly these two columns, in this order: a query adds category 4 with UNION SELECT.
 CREATE TABLE IF NOT EXISTS CallReportType (

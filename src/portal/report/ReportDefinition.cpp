@@ -1,5 +1,6 @@
 #include "portal/report/ReportDefinition.h"
 
+#include "common/CommandLine.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportFilter.h"
 
@@ -43,7 +44,11 @@ enum {
     kTag,
 };
 
+constexpr char kHelpSql[] = "SELECT help FROM CallReport WHERE pagename='%s'";
+
 constexpr int kCostCategory = 2;
+constexpr char kGlobalTick[] = "globcb1";
+constexpr char kGlobalAttribute[] = "globalopt";
 
 constexpr struct {
     int column;
@@ -70,7 +75,22 @@ constexpr struct {
     {kTag, &LumoraReportFilter::hasTag},
 };
 
+// "Allow Global" counts only where the customer's form offers it.
+bool IsGlobalRun(PortalContext& ctx) {
+    const WebArgument* tick = ctx.FindWebArgument(kGlobalTick);
+    if (tick == nullptr || !IsTicked(tick->value)) return false;
+    const UString offered = ctx.GetCustomerAttribute(kGlobalAttribute);
+    return !offered.IsEmpty() && offered != "0";
+}
+
 }  // namespace
+
+bool ReportDefinition::HasFormat(std::string_view word) const {
+    const CommandLine words(format.c_str());
+    for (int i = 0; i < words.argc(); ++i)
+        if (word == words[i]) return true;
+    return false;
+}
 
 std::unique_ptr<ReportDefinition> ReportDefinition::Load(PortalContext& ctx, const char* pagename,
                                                          LumoraReportFilter& filter) {
@@ -95,5 +115,10 @@ std::unique_ptr<ReportDefinition> ReportDefinition::Load(PortalContext& ctx, con
         filter.*flag = db.IntColumn(column) != 0;
     filter.hasTimePeriod = !definition->hideTimeOfDay;
     filter.hasMarkup = definition->category == kCostCategory;
+
+    if (!definition->globalSQL.IsEmpty() && IsGlobalRun(ctx))
+        definition->query = definition->globalSQL;
+    db.Query(SqlText(kHelpSql, SqlQuoted(pagename)));
+    if (db.NextRow()) definition->help = db.Column(0);
     return definition;
 }

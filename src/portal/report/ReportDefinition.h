@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "common/UStringX.h"
 
@@ -11,15 +12,19 @@ class LumoraReportFilter;
 struct ReportDefinition {
     UString pagename;
     UString name;
-    UString query;  // the SQL template
+    UString query;  // the SQL template of this run
     UString reportFile;
-    UString globalSQL;
-    UString format;
+    UString globalSQL;  // the template in place of it when "Allow Global" is ticked
+    UString format;     // words parted by blanks (docs/reports.md)
+    UString help;       // how the report counts, a paragraph a line; plain text
     UString multititle;
     UString multikeyfield;
     UString multikeyfield2;
     int category = 0;
     bool hideTimeOfDay = false;  // opt_interval
+
+    // Does `format` have this word?
+    bool HasFormat(std::string_view word) const;
 
     // The report of that page name, with the filter's form rows switched on or off; null when there
     // is none. Throws the server's message.
