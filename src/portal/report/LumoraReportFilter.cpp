@@ -1,8 +1,12 @@
 #include "portal/report/LumoraReportFilter.h"
 
 #include <strings.h>
-#include <cstring>
 
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "cgiFramework/UrlArgument.h"
 #include "common/Parse.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportSQLCol.h"
@@ -41,6 +45,8 @@ constexpr NamedText kEntityArguments[] = {
 constexpr NamedText kSecondEntityArguments[] = {{"userfilter2", &Filter::userfilter2},
                                                 {"department2", &Filter::department2},
                                                 {"group2", &Filter::group2}};
+constexpr NamedText kSecondSearchArguments[] = {{"A_searchtype", &Filter::A_searchtype},
+                                                {"A_suggest1", &Filter::A_suggest1}};
 
 // Everything else, read in any case.
 constexpr NamedText kArguments[] = {
@@ -78,6 +84,7 @@ constexpr NamedText kArguments[] = {
     {"ddi", &Filter::ddi},
     {"wbDrill", &Filter::wbDrill},
     {"slaID", &Filter::slaID},
+    {"globcb1", &Filter::globcb1},
 };
 
 // Not all that is read from the session is written there: pages link to a report with these as
@@ -178,7 +185,7 @@ void LumoraReportFilter::Init() {
     multiField = "";
     multiField2 = "";
     timeLimit = "-1";
-    allowAllRecords = false;
+    allowAllRecords = mandatoryEntity = false;
 }
 
 LumoraReportFilter::LumoraReportFilter(PortalContext& ctx, bool fromSession) {
@@ -203,6 +210,29 @@ void LumoraReportFilter::SaveToSession(PortalContext& ctx) const {
         if (entry.keeping == kReadOnly) continue;
         ctx.SetWebSessionVar((prefix + entry.name).c_str(), (this->*entry.text).c_str());
     }
+}
+
+// Needs a link not name the criterion, which is one of this filter's texts?
+bool LumoraReportFilter::IsDefault(const UString& text) const {
+    if (&text == &report || &text == &reportTitle) return true;
+    // An empty uplift or VAT is none, and one that is not named is the customer's.
+    if (&text == &markup || &text == &vatrate) return !hasMarkup;
+    return text.IsEmpty() || (&text == &timeLimit && text == "-1");
+}
+
+void LumoraReportFilter::AppendArguments(UString& url) const {
+    std::string arguments;
+    const auto append = [&](std::span<const NamedText> entries) {
+        for (const auto& [name, text] : entries)
+            if (!IsDefault(this->*text)) AppendUrlArgument(arguments, name, (this->*text).c_str());
+    };
+    if (searchtype.IsEmpty()) append(kEntityArguments);
+    if (A_searchtype.IsEmpty())
+        append(kSecondEntityArguments);
+    else
+        append(kSecondSearchArguments);
+    append(kArguments);
+    url.Append(arguments.data(), arguments.size());
 }
 
 void LumoraReportFilter::ReadArguments(PortalContext& ctx) {

@@ -123,6 +123,9 @@ class LumoraReportFilter {
 
     bool allowAllRecords;  // the caller's call-log permissions do not restrict the report
 
+    bool mandatoryEntity;  // the report runs for one entity, or, where globcb1 is ticked, for all
+    UString globcb1;       // check box: for all, whatever the entity search holds
+
     LumoraReportFilter() { Init(); }
     // Reads the criteria from the session, or else from the request's arguments. In the arguments a
     // given "searchtype" decides the entity; those of the single kinds are then ignored.
@@ -131,6 +134,9 @@ class LumoraReportFilter {
     void Init();
     // Writes the criteria that a later page of the same report needs: fewer than are read.
     void SaveToSession(PortalContext& ctx) const;
+    // Appends "&name=value", ready for a URL, for every criterion that is given, so that a link
+    // finds the same calls again. The report, its title and how its result is shown are none.
+    void AppendArguments(UString& url) const;
 
     // What stands against running the report: dates that are none, an end before the start, texts
     // where numbers belong, choices that the form does not offer. Empty when it can run.
@@ -158,6 +164,7 @@ class LumoraReportFilter {
     void ReadArguments(PortalContext& ctx);
     void ReadEntity(PortalContext& ctx);
     void ReadSecondEntity(PortalContext& ctx);
+    bool IsDefault(const UString& text) const;
     void CheckDates(std::vector<FilterProblem>& problems) const;
 };
 

@@ -9,8 +9,10 @@
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReport.h"
 #include "portal/report/LumoraReportFilter.h"
+#include "portal/report/LumoraSavedReportModule.h"
 #include "portal/report/ReportCatalogue.h"
 #include "portal/report/ReportDefinition.h"
+#include "portal/report/ReportFavourites.h"
 #include "portal/report/ReportMessage.h"
 #include "portal/report/ReportProgress.h"
 
@@ -98,8 +100,17 @@ void LumoraReportPage::Render(WebContext& ctx, WebRender* out) {
 }
 
 void LumoraReportPage::AddCatalogue(PortalContext& ctx) {
-    title = "Reports";
-    Add(new ReportCatalogue(ctx));
+    title = CatalogueTitle(ctx);
+    if (const char* told = ChangeFavourites(ctx)) Add(new ReportNotice(told));
+    if (const char* told = RemoveQuickReport(ctx)) Add(new ReportNotice(told));
+    // Going back in the history must not change anything again.
+    if (IsGiven(ctx, "addmyreport") || IsGiven(ctx, "removemyreport") ||
+        IsGiven(ctx, "removeQReport"))
+        addToHistory = false;
+    auto quick = std::make_unique<LumoraSavedReportModule>(ctx);
+    WebItem& catalogue = Adopt(new WebDiv("class=\"catalogue\""));
+    if (quick->any()) catalogue.Add(quick.release());
+    catalogue.Add(new ReportCatalogue(ctx));
 }
 
 void LumoraReportPage::AddReport(PortalContext& ctx, const char* pagename) {
@@ -146,6 +157,7 @@ void LumoraReportPage::AddForm(PortalContext& ctx, const ReportDefinition& defin
 void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& definition,
                                  const LumoraReportFilter& filter) {
     filter.SaveToSession(ctx);
+    saved_ = SaveQuickReport(ctx, definition, filter);
     // The session is written before the wait begins, so that nobody's changes meanwhile are lost.
     UpdateHistory(ctx);
     addToHistory = false;
@@ -162,6 +174,7 @@ void LumoraReportPage::AddResult(PortalContext& ctx, const ReportDefinition& def
                                  const LumoraReportFilter& filter) {
     title = definition.name + " - Report";
     AddActions(ctx, *this, definition.pagename.c_str());
+    if (!saved_.IsEmpty()) Add(new ReportNotice(saved_.c_str()));
     try {
         Add(new LumoraReport(ctx, definition, filter));
     } catch (const char* message) {

@@ -45,5 +45,6 @@ class LumoraReportPage : public StandardPage {
     bool AwaitRun(PortalContext& ctx, const ReportDefinition& definition,
                   std::unique_ptr<BackgroundJob> job, int milliseconds);
 
+    UString saved_;                         // what became of the wish to keep the criteria
     std::unique_ptr<BackgroundJob> ready_;  // its answer is this page's
 };

@@ -142,6 +142,44 @@ TEST_CASE("the session gives back what was saved, and some criteria are never sa
     }
 }
 
+TEST_CASE("the arguments of a link give the same criteria back, and those alone") {
+    const std::string hostile = "+%26%23%25'%22[date]%5C%C3%A9%0A%3C/a%3E";
+    const struct {
+        const char* what;
+        std::string query;
+        const char* arguments;
+    } cases[] = {
+        {"nothing given", "report=r&reportTitle=t&submit=s&save=on&graphonly=1&timeLimit=", ""},
+        {"the search", "searchtype=dept&suggest1=Sales&userfilter=Ann",
+         "&suggest1=Sales&searchtype=dept"},
+        {"a kind for all", "searchtype=dept&suggest1=", "&searchtype=dept"},
+        {"entities of their own", "userfilter=Ann&inbox=Mail&inboxid=7&group2=North",
+         "&userfilter=Ann&inbox=Mail&inboxid=7&group2=North"},
+        {"the second search", "A_searchtype=user&A_suggest1=Bob&group2=North",
+         "&A_searchtype=user&A_suggest1=Bob"},
+        {"all the rest", "globcb1=on&internal=on&contact6=1&timeLimit=5&tag=a&ddi=2&markup=3",
+         "&tag=a&internal=on&timeLimit=5&contact6=1&ddi=2&globcb1=on"},
+        {"any text", "tag=" + hostile, "&tag=%20%26%23%25%27%22%5Bdate%5D%5C%C3%A9%0A%3C%2Fa%3E"},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        const Filter filter = FromQuery(c.query.c_str());
+        UString url("x?");
+        filter.AppendArguments(url);
+        CHECK(url == UString("x?") + c.arguments);
+        UString again;
+        FromQuery(c.arguments).AppendArguments(again);
+        CHECK(again == c.arguments);
+    }
+    // An uplift of none must not become the customer's.
+    Filter costs;
+    costs.hasMarkup = true;
+    costs.vatrate = "20";
+    UString url;
+    costs.AppendArguments(url);
+    CHECK(url == "&markup=&vatrate=20");
+}
+
 TEST_CASE("criteria that cannot be used are named") {
     const struct {
         const char* what;
