@@ -7,7 +7,9 @@ document.addEventListener("DOMContentLoaded", () => {
     const cancel = document.getElementById("cancel_button");
     if (!form || !progress || !cancel) return;
 
-    form.addEventListener("submit", () => {
+    form.addEventListener("submit", (event) => {
+        // What was stopped, or only deletes, makes no report.
+        if (event.defaultPrevented || event.submitter?.formNoValidate) return;
         progress.hidden = false;
     });
     cancel.addEventListener("click", () => {

@@ -1,14 +1,22 @@
-// The report form's lists of choices exclude each other: choosing in one takes the others back to
-// their first entry. The period goes with all of them, and so does the kind of name searched for.
+// The report form's choices that depend on each other. Of its drop-down lists, but for the period
+// and the kind of name that is searched for, only one can choose: the others go back to their first
+// entry. Of the call types, one at least is ticked.
 "use strict";
 
 document.addEventListener("DOMContentLoaded", () => {
     const lists = document.querySelectorAll(
         "#searchForm select:not(#reportPeriod, #searchtype, #A_searchtype)",
     );
-    for (const list of lists) {
-        list.addEventListener("change", () => {
-            for (const other of lists) if (other !== list) other.selectedIndex = 0;
+    const selectChange = (event) => {
+        for (const other of lists) if (other !== event.target) other.selectedIndex = 0;
+    };
+    for (const list of lists) list.addEventListener("change", selectChange);
+
+    const types = ["external", "internal"].map((id) => document.getElementById(id));
+    if (types.includes(null)) return;
+    for (const [i, type] of types.entries()) {
+        type.addEventListener("change", () => {
+            if (!type.checked) types[1 - i].checked = true;
         });
     }
 });

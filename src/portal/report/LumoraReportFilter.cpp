@@ -144,8 +144,24 @@ constexpr SessionText kSessionTexts[] = {
 };
 
 constexpr EntityKind kEntityKinds[] = {
-    {"user", "Users", &Filter::hasUser, &Filter::userfilter},
-    {"dept", "Departments", &Filter::hasDepartment, &Filter::department},
+    {"user", "Users", &Filter::hasUser, &Filter::userfilter, "userTick"},
+    {"dept", "Departments", &Filter::hasDepartment, &Filter::department, "deptTick"},
+    {"group", "Reporting Groups", &Filter::hasGroup, &Filter::group, "groupTick"},
+    {"contact", "Contacts", &Filter::hasContact, &Filter::contact, "contactTick"},
+    {"queue", "Queues", &Filter::hasQueue, &Filter::queueFilter, "queueTick"},
+    {"agent", "Agents", &Filter::hasAgent, &Filter::agentFilter, "agentTick"},
+    {"company", "Companies", &Filter::hasCompany, &Filter::company, "companyTick"},
+    {"inbox", "Inboxes", &Filter::hasInbox, &Filter::inboxName, "inboxTick"},
+    {"dept", "Out Depts", &Filter::hasOutDept, &Filter::department, "outDeptTick"},
+    // A teammate has no criterion of its own: the search's text is the name.
+    {"teammate", "Teammates", &Filter::hasTeammate, &Filter::suggest1, "teammateTick"},
+};
+
+constexpr bool Filter::*kSecond = &Filter::hasSecondForField;
+constexpr EntityKind kSecondEntityKinds[] = {
+    {"user", "Users", kSecond, &Filter::userfilter2, "2userTick"},
+    {"dept", "Departments", kSecond, &Filter::department2, "2deptTick"},
+    {"group", "Reporting Groups", kSecond, &Filter::group2, "2groupTick"},
 };
 
 // The argument's text; asking creates no argument.
@@ -164,6 +180,10 @@ void AppendPart(UString& header, const char* part) {
 
 std::span<const EntityKind> EntityKinds() {
     return kEntityKinds;
+}
+
+std::span<const EntityKind> SecondEntityKinds() {
+    return kSecondEntityKinds;
 }
 
 bool IsTicked(const UString& checkBox) {
@@ -185,7 +205,7 @@ void LumoraReportFilter::Init() {
     multiField = "";
     multiField2 = "";
     timeLimit = "-1";
-    allowAllRecords = mandatoryEntity = false;
+    allowAllRecords = mandatoryEntity = mandatoryContact = false;
 }
 
 LumoraReportFilter::LumoraReportFilter(PortalContext& ctx, bool fromSession) {
@@ -194,6 +214,16 @@ LumoraReportFilter::LumoraReportFilter(PortalContext& ctx, bool fromSession) {
         ReadSession(ctx);
     else
         ReadArguments(ctx);
+}
+
+bool LumoraReportFilter::IsInRequest(const PortalContext& ctx) {
+    const auto given = [&](std::span<const NamedText> entries) {
+        return std::any_of(entries.begin(), entries.end(), [&](const NamedText& entry) {
+            return entry.text != &Filter::report && ctx.HasWebArgument(entry.name);
+        });
+    };
+    return given(kEntityArguments) || given(kSecondEntityArguments) ||
+           given(kSecondSearchArguments) || given(kArguments);
 }
 
 void LumoraReportFilter::ReadSession(PortalContext& ctx) {
@@ -220,18 +250,25 @@ bool LumoraReportFilter::IsDefault(const UString& text) const {
     return text.IsEmpty() || (&text == &timeLimit && text == "-1");
 }
 
+std::vector<GivenArgument> LumoraReportFilter::GivenArguments() const {
+    std::vector<GivenArgument> given;
+    const auto add = [&](std::span<const NamedText> entries) {
+        for (const auto& [name, text] : entries)
+            if (!IsDefault(this->*text)) given.push_back({name, &(this->*text)});
+    };
+    if (searchtype.IsEmpty()) add(kEntityArguments);
+    if (A_searchtype.IsEmpty())
+        add(kSecondEntityArguments);
+    else
+        add(kSecondSearchArguments);
+    add(kArguments);
+    return given;
+}
+
 void LumoraReportFilter::AppendArguments(UString& url) const {
     std::string arguments;
-    const auto append = [&](std::span<const NamedText> entries) {
-        for (const auto& [name, text] : entries)
-            if (!IsDefault(this->*text)) AppendUrlArgument(arguments, name, (this->*text).c_str());
-    };
-    if (searchtype.IsEmpty()) append(kEntityArguments);
-    if (A_searchtype.IsEmpty())
-        append(kSecondEntityArguments);
-    else
-        append(kSecondSearchArguments);
-    append(kArguments);
+    for (const auto& [name, text] : GivenArguments())
+        AppendUrlArgument(arguments, name, text->c_str());
     url.Append(arguments.data(), arguments.size());
 }
 

@@ -17,6 +17,12 @@ struct FilterProblem {
     UString message;
 };
 
+// A criterion under its argument's name.
+struct GivenArgument {
+    const char* name;
+    const UString* text;
+};
+
 // What a report is asked for, as the browser sent it: every text is raw, and an empty one was not
 // given. LumoraReportQuery turns the criteria into SQL. The flags are the report's own, set by its
 // definition; reading the criteria leaves them alone, apart from graphonly and tableonly.
@@ -123,13 +129,16 @@ class LumoraReportFilter {
 
     bool allowAllRecords;  // the caller's call-log permissions do not restrict the report
 
-    bool mandatoryEntity;  // the report runs for one entity, or, where globcb1 is ticked, for all
-    UString globcb1;       // check box: for all, whatever the entity search holds
+    bool mandatoryEntity;   // the report runs for one entity, or, where globcb1 is ticked, for all
+    bool mandatoryContact;  // the report runs for at least one contact
+    UString globcb1;        // check box: for all, whatever the entity search holds
 
     LumoraReportFilter() { Init(); }
     // Reads the criteria from the session, or else from the request's arguments. In the arguments a
     // given "searchtype" decides the entity; those of the single kinds are then ignored.
     LumoraReportFilter(PortalContext& ctx, bool fromSession);
+    // Does the request carry criteria of its own, so that those of the session do not count?
+    static bool IsInRequest(const PortalContext& ctx);
     // Sets the defaults.
     void Init();
     // Writes the criteria that a later page of the same report needs: fewer than are read.
@@ -139,7 +148,8 @@ class LumoraReportFilter {
     void AppendArguments(UString& url) const;
 
     // What stands against running the report: dates that are none, an end before the start, texts
-    // where numbers belong, choices that the form does not offer. Empty when it can run.
+    // where numbers belong, choices that the form does not offer, an entity or a contact that is
+    // missing. Empty when it can run.
     std::vector<FilterProblem> Check() const;
 
     // The criteria form with the rows that this filter's flags switch on, filled from `current`;
@@ -166,16 +176,30 @@ class LumoraReportFilter {
     void ReadSecondEntity(PortalContext& ctx);
     bool IsDefault(const UString& text) const;
     void CheckDates(std::vector<FilterProblem>& problems) const;
+    void CheckKinds(std::vector<FilterProblem>& problems) const;
+    void CheckEntity(std::vector<FilterProblem>& problems) const;
+    void CheckLengths(std::vector<FilterProblem>& problems) const;
+    bool HasEntity() const;
+    bool HasContactNumber() const;
+    std::vector<GivenArgument> GivenArguments() const;
 };
 
-// A kind of entity that the form's search offers, by the report's flag of it.
+// A kind of entity that a search of the form offers, by the report's flag of it.
 struct EntityKind {
     const char* searchtype;
     const char* label;
     bool LumoraReportFilter::*offered;
     UString LumoraReportFilter::*field;
+    const char* tick;  // the box that says whether its names are offered while somebody types
 };
+// Of the search "For:". The departments that calls went out from are departments as well, so the
+// search type "dept" stands twice.
 std::span<const EntityKind> EntityKinds();
+// Of the second search, "Show:".
+std::span<const EntityKind> SecondEntityKinds();
+
+// The choices of `inOutFilter`.
+constexpr const char* kDirections[] = {"Both", "Inbound", "Outbound"};
 
 // Is a check box's text that of a ticked one?
 bool IsTicked(const UString& checkBox);

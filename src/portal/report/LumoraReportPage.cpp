@@ -58,7 +58,8 @@ void AddAction(WebItem& actions, const UString& url, const char* caption) {
 }
 
 // The way back: to the catalogue, and, for a result, to the form with its criteria.
-void AddActions(PortalContext& ctx, WebItem& page, const char* changePagename) {
+void AddActions(PortalContext& ctx, WebItem& page, const char* changePagename,
+                const LumoraReportFilter* filter) {
     UString url = ctx.GetURL("pagename=callreport");
     WebItem& actions = page.Adopt(new WebDiv("class=\"reportActions\""));
     AddAction(actions, url, "All reports");
@@ -66,6 +67,7 @@ void AddActions(PortalContext& ctx, WebItem& page, const char* changePagename) {
     url += "&report=";
     url.AppendSafe(changePagename);
     url += "&change=1";
+    filter->AppendArguments(url);
     actions.Add(new WebValue(" "));
     AddAction(actions, url, "Change criteria");
 }
@@ -83,6 +85,7 @@ bool IsCancel(const WebContext& ctx) {
 }  // namespace
 
 LumoraReportPage::LumoraReportPage(PortalContext& ctx) : StandardPage(ctx) {
+    ChangeLists(ctx);
     if (IsGiven(ctx, "report"))
         AddReport(ctx, ctx.FindWebArgument("report")->Text());
     else
@@ -99,14 +102,16 @@ void LumoraReportPage::Render(WebContext& ctx, WebRender* out) {
     StandardPage::Render(ctx, out);
 }
 
-void LumoraReportPage::AddCatalogue(PortalContext& ctx) {
-    title = CatalogueTitle(ctx);
+void LumoraReportPage::ChangeLists(PortalContext& ctx) {
+    // Going back in the history must not change anything again.
+    for (const char* change : {"addmyreport", "removemyreport", "removeQReport"})
+        if (IsGiven(ctx, change)) addToHistory = false;
     if (const char* told = ChangeFavourites(ctx)) Add(new ReportNotice(told));
     if (const char* told = RemoveQuickReport(ctx)) Add(new ReportNotice(told));
-    // Going back in the history must not change anything again.
-    if (IsGiven(ctx, "addmyreport") || IsGiven(ctx, "removemyreport") ||
-        IsGiven(ctx, "removeQReport"))
-        addToHistory = false;
+}
+
+void LumoraReportPage::AddCatalogue(PortalContext& ctx) {
+    title = CatalogueTitle(ctx);
     auto quick = std::make_unique<LumoraSavedReportModule>(ctx);
     WebItem& catalogue = Adopt(new WebDiv("class=\"catalogue\""));
     if (quick->any()) catalogue.Add(quick.release());
@@ -118,13 +123,14 @@ void LumoraReportPage::AddReport(PortalContext& ctx, const char* pagename) {
     const bool followed = !cancelled && IsGiven(ctx, "query_id");
     const bool submitted = !cancelled && !followed && IsGiven(ctx, "submit");
     const bool fromSession = cancelled || followed || IsGiven(ctx, "change");
-    LumoraReportFilter filter(ctx, fromSession && !submitted);
+    LumoraReportFilter filter(ctx,
+                              fromSession && !submitted && !LumoraReportFilter::IsInRequest(ctx));
     const std::unique_ptr<ReportDefinition> definition =
         ReportDefinition::Load(ctx, pagename, filter);
     if (definition == nullptr) {
         title = "Reports";
         LogError("LumoraReportPage: there is no report %s (contact %d)", pagename, ctx.contactId);
-        AddActions(ctx, *this, nullptr);
+        AddActions(ctx, *this, nullptr, nullptr);
         Add(new ReportWarning("This report does not exist."));
         return;
     }
@@ -150,7 +156,9 @@ void LumoraReportPage::AddForm(PortalContext& ctx, const ReportDefinition& defin
                                const std::vector<FilterProblem>& problems) {
     title = definition.name + " - Select Criteria";
     filter.report = definition.pagename;
-    AddActions(ctx, *this, nullptr);
+    if (filter.reportTitle.IsEmpty()) filter.reportTitle = definition.name;
+    filter.SetSaveOption(true);
+    AddActions(ctx, *this, nullptr, nullptr);
     Add(filter.filterForm(ctx, filter, problems));
 }
 
@@ -164,7 +172,8 @@ void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& def
     ctx.SaveSession();
     if (auto job = BackgroundJob::Start(ctx)) {
         const int wait = IsWaitAsked(ctx) ? BackgroundJob::kNoLimit : kFirstWaitMs;
-        if (!AwaitRun(ctx, definition, std::move(job), wait)) Add(new ReportWarning(kNoResult));
+        if (!AwaitRun(ctx, definition, filter, std::move(job), wait))
+            Add(new ReportWarning(kNoResult));
         return;
     }
     AddResult(ctx, definition, filter);
@@ -173,7 +182,7 @@ void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& def
 void LumoraReportPage::AddResult(PortalContext& ctx, const ReportDefinition& definition,
                                  const LumoraReportFilter& filter) {
     title = definition.name + " - Report";
-    AddActions(ctx, *this, definition.pagename.c_str());
+    AddActions(ctx, *this, definition.pagename.c_str(), &filter);
     if (!saved_.IsEmpty()) Add(new ReportNotice(saved_.c_str()));
     try {
         Add(new LumoraReport(ctx, definition, filter));
@@ -188,7 +197,7 @@ void LumoraReportPage::FollowRun(PortalContext& ctx, const ReportDefinition& def
     addToHistory = false;
     ctx.LeaveSession();
     auto job = BackgroundJob::Find(ctx, ctx.FindWebArgument("query_id")->Text());
-    if (job != nullptr && AwaitRun(ctx, definition, std::move(job), kFollowMs)) return;
+    if (job != nullptr && AwaitRun(ctx, definition, filter, std::move(job), kFollowMs)) return;
     Add(new ReportNotice(
         "This run of the report is over: it was shown already, cancelled, or given up because "
         "nobody waited for it."));
@@ -204,6 +213,7 @@ void LumoraReportPage::CancelRun(PortalContext& ctx, const ReportDefinition& def
 
 // Makes this page the job's answer, or its progress. False when the job has ended without one.
 bool LumoraReportPage::AwaitRun(PortalContext& ctx, const ReportDefinition& definition,
+                                const LumoraReportFilter& filter,
                                 std::unique_ptr<BackgroundJob> job, int milliseconds) {
     title = definition.name + " - Report";
     switch (job->Wait(milliseconds)) {
@@ -211,8 +221,8 @@ bool LumoraReportPage::AwaitRun(PortalContext& ctx, const ReportDefinition& defi
             ready_ = std::move(job);
             return true;
         case BackgroundJob::kRunning:
-            AddActions(ctx, *this, nullptr);
-            AddProgress(ctx, *this, definition.pagename.c_str(), *job);
+            AddActions(ctx, *this, nullptr, nullptr);
+            AddProgress(ctx, *this, definition.pagename.c_str(), *job, filter);
             return true;
         case BackgroundJob::kEnded:
             break;

@@ -30,6 +30,8 @@ class LumoraReportPage : public StandardPage {
     void Render(WebContext& ctx, WebRender* out) override;
 
   private:
+    // My Reports and the quick reports, as the request asks.
+    void ChangeLists(PortalContext& ctx);
     void AddCatalogue(PortalContext& ctx);
     void AddReport(PortalContext& ctx, const char* pagename);
     void AddForm(PortalContext& ctx, const ReportDefinition& definition, LumoraReportFilter& filter,
@@ -43,7 +45,8 @@ class LumoraReportPage : public StandardPage {
     void CancelRun(PortalContext& ctx, const ReportDefinition& definition,
                    LumoraReportFilter& filter);
     bool AwaitRun(PortalContext& ctx, const ReportDefinition& definition,
-                  std::unique_ptr<BackgroundJob> job, int milliseconds);
+                  const LumoraReportFilter& filter, std::unique_ptr<BackgroundJob> job,
+                  int milliseconds);
 
     UString saved_;                         // what became of the wish to keep the criteria
     std::unique_ptr<BackgroundJob> ready_;  // its answer is this page's

@@ -3,10 +3,13 @@
 #include <strings.h>
 #include <cstring>
 
+#include "common/Parse.h"
 #include "common/SqlText.h"
 #include "common/ThrowText.h"
 #include "portal/context/PortalContext.h"
+#include "portal/report/ReportCallCriteria.h"
 #include "portal/report/ReportEntity.h"
+#include "portal/report/ReportGroup.h"
 #include "portal/report/ReportPeriod.h"
 #include "portal/report/ReportPlaceholders.h"
 
@@ -33,6 +36,22 @@ enum { kAnswerSla, kHandleSla };
 constexpr char kResponseSlaSql[] =
     "SELECT responseSLA FROM FrontSLAs WHERE customerid IN('%s') AND id=%s";
 constexpr char kNoSla[] = "9999999";
+// The day begins at that time in UTC: yesterday's while today's is still to come. In the time zone
+// of the session, as NOW() is.
+constexpr char kWallboardDaySql[] =
+    "SELECT CONVERT_TZ(start - INTERVAL (start > UTC_TIMESTAMP()) DAY, '+00:00', "
+    "@@session.time_zone) FROM (SELECT STR_TO_DATE(CONCAT(UTC_DATE(),' ',startTime),"
+    "'%%Y-%%m-%%d %%H%%i') AS start FROM NewWallboardPage WHERE id=%s AND customer_id=%i "
+    "AND startTime REGEXP '^([01][0-9]|2[0-3])[0-5][0-9]$') AS day";
+
+// Calls have members where the caller, the party dialled, the one who answered or the department
+// booked is one.
+constexpr char kGroupJoin[] =
+    " INNER JOIN (SELECT DISTINCT name FROM (%s) AS member) AS GroupMember ON GroupMember.name "
+    "IN (CallLog.A_Name,CallLog.B_Name,CallLog.B_RemoteName,CallLog.origCostCentre) ";
+constexpr char kNobody[] = "SELECT '' AS name FROM DUAL WHERE FALSE";
+
+constexpr char kSharedInboxTable[] = "FrontMessage";
 
 std::string Escaped(const UString& text) {
     return std::string(SqlQuoted(text).text());
@@ -43,8 +62,33 @@ std::string Given(const UString& text, const char* def) {
     return text.IsEmpty() ? def : text.c_str();
 }
 
+// The argument's text; asking creates no argument.
+const char* Argument(PortalContext& ctx, const char* name) {
+    const WebArgument* argument = ctx.FindWebArgument(name);
+    return argument != nullptr ? argument->Text() : "";
+}
+
+// The table of a report class of our own. It stands in the statement as it is.
+const char* TableName(const UString& name) {
+    const char* text = name.IsEmpty() ? kSharedInboxTable : name.c_str();
+    constexpr char kNameCharacters[] =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
+    if (text[strspn(text, kNameCharacters)] != '\0') ThrowText("\"%s\" is no table.", text);
+    return text;
+}
+
 std::string Truth(bool value) {
     return value ? "TRUE" : "FALSE";
+}
+
+// Whom a report of one account code is for.
+UString WithAccount(const ReportEntity& entity, const UString& account) {
+    UString title;
+    if (entity.chosen || entity.restricted)
+        title.Format("%s, Account code: %s", entity.name.c_str(), account.c_str());
+    else
+        title.Format("All where Account code: %s", account.c_str());
+    return title;
 }
 
 }  // namespace
@@ -56,10 +100,15 @@ LumoraReportQuery::LumoraReportQuery(PortalContext& ctx, const char* templateTex
     const auto problems = reportFilter.Check();
     if (!problems.empty()) ThrowText("%s", problems.front().message.c_str());
 
+    if (Wants("[groupid]")) getGroupId(ctx);
+    if (!reportFilter.group.IsEmpty() && Wants("[groupjoin]")) buildGroupJoinFilter(ctx);
     buildIntExt(ctx);
-    if (Wants("[entity") || Wants("[allusers]")) buildEntity(ctx);
+    buildEntity(ctx);
     buildTime();
     buildDate(ctx);
+    const CallCriteria calls = GetCallCriteria(ctx, reportFilter, query);
+    callFilter = calls.condition;
+    callTitle = calls.title;
     if (Wants("[sla")) buildSLA(ctx);
     buildState(agentDispName, agentStateName, agentNAName);
     Fill(ctx);
@@ -89,21 +138,39 @@ void LumoraReportQuery::buildIntExt(PortalContext& ctx) {
                                       " OR CallLog.B_Trunk NOT IN " + trunks + ") ";
 }
 
+void LumoraReportQuery::getGroupId(PortalContext& ctx) {
+    groupId = GetReportingGroupId(ctx, reportFilter.group);
+}
+
+void LumoraReportQuery::buildGroupJoinFilter(PortalContext& ctx) {
+    const GroupMembers members =
+        GetGroupMembers(ctx, reportFilter.group, reportFilter.allowAllRecords);
+    groupJoinFilter =
+        SqlText(kGroupJoin, SqlFragment(members.statement.empty() ? kNobody : members.statement))
+            .c_str();
+}
+
+// The conditions and names that the template asks for; their lists may be long.
 void LumoraReportQuery::buildEntity(PortalContext& ctx) {
-    const bool everything = reportFilter.allowAllRecords;
-    ReportEntity entity;
-    if (!reportFilter.userfilter.IsEmpty()) {
-        entity = GetUserEntity(ctx, reportFilter.userfilter, everything);
-    } else if (!reportFilter.department.IsEmpty()) {
-        entity = GetDeptEntity(ctx, reportFilter.department, everything);
-    } else {
-        entity = GetAllEntities(ctx, reportFilter.hasUser, reportFilter.hasDepartment, everything);
+    const bool hasInbox = !reportFilter.inboxName.IsEmpty() || !reportFilter.inboxId.IsEmpty();
+    reportFilter.allUsers = false;
+    if (Wants("[entity]") || Wants("[entityName]") || Wants("[subq_entity]") ||
+        Wants("[allusers]") || IsTrunkReport(reportFilter) || hasInbox) {
+        const ReportEntity entity = GetChosenEntity(ctx, reportFilter);
+        entityFilter = entity.condition;
+        subqEntity = entity.subquery;
+        entityname = entity.name;
         // A template may leave out its name conditions for all users: only who may see all.
-        reportFilter.allUsers = !entity.restricted;
+        reportFilter.allUsers = !entity.chosen && !entity.restricted;
+        if (reportFilter.hasAccount && !reportFilter.account.IsEmpty())
+            entityname = WithAccount(entity, reportFilter.account);
     }
-    entityFilter = entity.condition;
-    entityname = entity.name;
-    escEntityName = Escaped(entity.name).c_str();
+    // Never the browser's own text.
+    ctx.SetWebArgument("subq_entity", subqEntity.c_str());
+    escEntityName = Escaped(entityname).c_str();
+    if (Wants("[entity2]")) entityFilter2 = GetSecondEntity(ctx, reportFilter).condition;
+    if (Wants("[allteammates]"))
+        reportFilter.allTeammates = reportFilter.allowAllRecords || SeesAllTeammates(ctx);
 }
 
 void LumoraReportQuery::buildTime() {
@@ -114,18 +181,7 @@ void LumoraReportQuery::buildTime() {
 }
 
 void LumoraReportQuery::buildDate(PortalContext& ctx) {
-    const bool explicitDates = !reportFilter.startDate.IsEmpty();
-    const char* keyword = reportFilter.reportPeriod.c_str();
-    ReportWeek week;
-    if ((!explicitDates && PeriodNeedsWeek(keyword)) || Wants("[startday]") || Wants("[weeklen]"))
-        week = ReadWeek(ctx);
-    reportFilter.weekStartDay = std::to_string(week.firstDay).c_str();
-    reportFilter.weekLength = std::to_string(week.length).c_str();
-
-    const PeriodSql period =
-        explicitDates ? ExplicitPeriod(reportFilter.startDate.c_str(), reportFilter.endDate.c_str(),
-                                       !reportFilter.wbDrill.IsEmpty())
-                      : KeywordPeriod(keyword, week);
+    const PeriodSql period = ChoosePeriod(ctx);
     startDate = period.start;
     endDate = period.exact ? period.end : period.End();
     datefilter = period.Condition();
@@ -137,6 +193,37 @@ void LumoraReportQuery::buildDate(PortalContext& ctx) {
     reportFilter.endDate = db.Column(1);
     datetitle = period.Title(db.Column(0), db.Column(1));
     if (Wants("[shiftSeconds]")) buildShift(ctx);
+}
+
+PeriodSql LumoraReportQuery::ChoosePeriod(PortalContext& ctx) {
+    const bool explicitDates = !reportFilter.startDate.IsEmpty();
+    const char* keyword = reportFilter.reportPeriod.c_str();
+    ReportWeek week;
+    if ((!explicitDates && PeriodNeedsWeek(keyword)) || Wants("[startday]") || Wants("[weeklen]"))
+        week = ReadWeek(ctx);
+    reportFilter.weekStartDay = std::to_string(week.firstDay).c_str();
+    reportFilter.weekLength = std::to_string(week.length).c_str();
+
+    if (explicitDates)
+        return ExplicitPeriod(reportFilter.startDate.c_str(), reportFilter.endDate.c_str(),
+                              !reportFilter.wbDrill.IsEmpty());
+    if (reportFilter.reportPeriod == "today") {
+        const char* since = Argument(ctx, "wbStart");
+        if (*since != '\0' && !IsTimestamp(since))
+            ThrowText("The start of the wallboard's count must be a date and a time.");
+        if (*since != '\0') reportFilter.wbTime = SqlText("> '%s'", SqlQuoted(since)).c_str();
+
+        const char* wallboard = Argument(ctx, "wbid");
+        SQLSession db(ctx.GetSQLSession());
+        if (IsDigits(wallboard, 1, 9)) {
+            db.Query(SqlText(kWallboardDaySql, SqlFragment(wallboard), ctx.customerId));
+            if (db.NextRow() && !db.IsNull(0)) {
+                reportFilter.wbDrill = "y";
+                return WallboardPeriod(db.Column(0));
+            }
+        }
+    }
+    return KeywordPeriod(keyword, week);
 }
 
 ReportWeek LumoraReportQuery::ReadWeek(PortalContext& ctx) {
@@ -188,15 +275,20 @@ void LumoraReportQuery::Fill(PortalContext& ctx) {
     // directions have passed the filter's check.
     std::string dateCondition = " " + datefilter + " ";
     if (!Wants("[int_ext]")) dateCondition += intExtFilter;
+    dateCondition += callFilter;
     query = FillPlaceholders(query, {{"inOutFilter", f.inOutFilter.c_str()},
                                      {"date", std::move(dateCondition)},
                                      {"startDate", " " + startDate + " "},
                                      {"endDate", " " + endDate + " "},
                                      {"customerSearchGroup", ctx.GetCustomerSearchGroup()},
                                      {"entity", entityFilter},
+                                     {"subq_entity", subqEntity},
+                                     {"entity2", entityFilter2},
                                      {"entityName", escEntityName.c_str()},
                                      {"allusers", Truth(f.allUsers)},
                                      {"allteammates", Truth(f.allTeammates)},
+                                     {"groupjoin", groupJoinFilter},
+                                     {"groupid", std::to_string(groupId)},
                                      {"int_ext", intExtFilter},
                                      {"shiftSeconds", shiftSeconds.c_str()},
                                      {"var", Escaped(f.var)},
@@ -207,6 +299,7 @@ void LumoraReportQuery::Fill(PortalContext& ctx) {
                                      {"contactID", ctx.contactIdString.c_str()},
                                      {"startTime", startTime.c_str()},
                                      {"endTime", endTime.c_str()},
+                                     {"wbTime", f.wbTime.c_str()},
                                      {"slaID", Given(f.slaID, "0")},
                                      {"slaAnswer", f.slaAnswer.c_str()},
                                      {"slaHandle", f.slaHandle.c_str()},
@@ -214,6 +307,7 @@ void LumoraReportQuery::Fill(PortalContext& ctx) {
                                      {"startday", f.weekStartDay.c_str()},
                                      {"weeklen", f.weekLength.c_str()},
                                      {"ddi", Escaped(f.ddi)},
+                                     {"fronttable", TableName(f.frontTable)},
                                      {"tag", Escaped(f.tagFilter)},
                                      {"agDispName", Escaped(agentState[0])},
                                      {"agStateName", Escaped(agentState[1])},

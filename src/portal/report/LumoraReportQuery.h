@@ -6,6 +6,7 @@
 #include "portal/report/LumoraReportFilter.h"
 
 class PortalContext;
+struct PeriodSql;
 struct ReportWeek;
 
 // Builds everything in its constructor. The template's square-bracketed placeholders are replaced
@@ -14,6 +15,8 @@ class LumoraReportQuery {
   public:
     // Reads what it needs on its own cursors of the context's connection. The last three texts are
     // the selected agent state: its display name, the state's and the not-available reason's name.
+    // Of the request's arguments it reads "wbid" (the id of a wallboard, whose day then is today)
+    // and "wbStart" (a time stamp since which a wallboard counts); it sets "subq_entity".
     // Throws the server's message, the first of the filter's problems, or a text that names a
     // placeholder that does not exist. A selection that the caller may not see is no failure: it
     // gives a query without rows and a name that says so.
@@ -30,15 +33,22 @@ class LumoraReportQuery {
     const std::string& GetEntityFilter() const { return entityFilter; }
     const UString& GetDateTitle() const { return datetitle; }
     const UString& GetTimeTitle() const { return timeTitle; }
+    // Which of the calls count (ReportCallCriteria.h), as plain text; empty: all.
+    const UString& GetCallTitle() const { return callTitle; }
+    // The criteria with what was found out: the dates of the period, the week, the SLA.
+    const LumoraReportFilter& GetFilter() const { return reportFilter; }
 
   private:
     std::string query;
     LumoraReportFilter reportFilter;
+    int groupId = 0;
     std::string datefilter;
     UString datetitle;
     UString entityname;
     UString escEntityName;
     std::string entityFilter;
+    std::string entityFilter2;
+    std::string groupJoinFilter;
     std::string intExtFilter;
     UString timeFilter;
     UString timeTitle;
@@ -48,12 +58,18 @@ class LumoraReportQuery {
     UString endTime;
     UString shiftSeconds;
     UString agentState[3];
+    std::string subqEntity;
+    std::string callFilter;
+    UString callTitle;
 
     bool Wants(const char* placeholder) const;
+    void getGroupId(PortalContext& ctx);
+    void buildGroupJoinFilter(PortalContext& ctx);
     void buildIntExt(PortalContext& ctx);
     void buildEntity(PortalContext& ctx);
     void buildTime();
     void buildDate(PortalContext& ctx);
+    PeriodSql ChoosePeriod(PortalContext& ctx);
     static ReportWeek ReadWeek(PortalContext& ctx);
     void buildShift(PortalContext& ctx);
     void buildSLA(PortalContext& ctx);

@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr const char* kDirections[] = {"Both", "Inbound", "Outbound"};
+// Of 255 characters; links repeat the criteria in each cell, so they cannot be of any length.
+constexpr size_t kMostBytes = 1020;
 
 bool IsDateOrTimestamp(const UString& text) {
     return IsDate(text.c_str()) || IsTimestamp(text.c_str());
@@ -76,18 +77,57 @@ void LumoraReportFilter::CheckDates(std::vector<FilterProblem>& problems) const 
         problems.push_back({"endDate", "The end date lies before the start date."});
 }
 
+void LumoraReportFilter::CheckKinds(std::vector<FilterProblem>& problems) const {
+    const struct {
+        const char* field;
+        const UString& chosen;
+        std::span<const EntityKind> kinds;
+    } searches[] = {{"searchtype", searchtype, EntityKinds()},
+                    {"A_searchtype", A_searchtype, SecondEntityKinds()}};
+    for (const auto& [field, chosen, kinds] : searches) {
+        if (chosen.IsEmpty() || chosen == "freetext") continue;
+        const bool offered = std::any_of(kinds.begin(), kinds.end(), [&](const EntityKind& kind) {
+            return chosen == kind.searchtype && this->*kind.offered;
+        });
+        if (!offered) problems.push_back({field, "This report cannot be run for what was chosen."});
+    }
+}
+
+bool LumoraReportFilter::HasEntity() const {
+    const auto kinds = EntityKinds();
+    return !inboxId.IsEmpty() ||
+           std::any_of(kinds.begin(), kinds.end(), [&](const EntityKind& kind) {
+               return this->*kind.offered && !(this->*kind.field).IsEmpty();
+           });
+}
+
+bool LumoraReportFilter::HasContactNumber() const {
+    const UString* const numbers[] = {&contact1, &contact2, &contact3,
+                                      &contact4, &contact5, &contact6};
+    return std::any_of(std::begin(numbers), std::end(numbers),
+                       [](const UString* number) { return !number->IsEmpty(); });
+}
+
+// The form's script says the same without asking us.
+void LumoraReportFilter::CheckEntity(std::vector<FilterProblem>& problems) const {
+    if (mandatoryEntity && !IsTicked(globcb1) && !HasEntity())
+        problems.push_back({"suggest1", "This field is mandatory"});
+    if (mandatoryContact && contact.IsEmpty() && !HasContactNumber())
+        problems.push_back({"contact1", "You must specify at least one contact for this report."});
+}
+
+void LumoraReportFilter::CheckLengths(std::vector<FilterProblem>& problems) const {
+    for (const auto& [name, text] : GivenArguments())
+        if (strlen(text->c_str()) > kMostBytes)
+            problems.push_back({name, "This is longer than any name can be."});
+}
+
 std::vector<FilterProblem> LumoraReportFilter::Check() const {
     std::vector<FilterProblem> problems;
     CheckDates(problems);
-
-    const auto kinds = EntityKinds();
-    const bool kindOffered = searchtype.IsEmpty() || searchtype == "freetext" ||
-                             std::any_of(kinds.begin(), kinds.end(), [&](const EntityKind& kind) {
-                                 return searchtype == kind.searchtype && this->*kind.offered;
-                             });
-    if (!kindOffered)
-        problems.push_back({"searchtype", "This report cannot be run for what was chosen."});
-
+    CheckKinds(problems);
+    CheckEntity(problems);
+    CheckLengths(problems);
     for (const auto& check : kChecks) {
         const UString& text = this->*check.text;
         if (!text.IsEmpty() && !check.valid(text.c_str()))

@@ -3,6 +3,7 @@
 #include "common/CommandLine.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportFilter.h"
+#include "portal/report/ReportFormSearch.h"
 
 namespace {
 
@@ -47,8 +48,6 @@ enum {
 constexpr char kHelpSql[] = "SELECT help FROM CallReport WHERE pagename='%s'";
 
 constexpr int kCostCategory = 2;
-constexpr char kGlobalTick[] = "globcb1";
-constexpr char kGlobalAttribute[] = "globalopt";
 
 constexpr struct {
     int column;
@@ -74,14 +73,6 @@ constexpr struct {
     {kInbox, &LumoraReportFilter::hasInbox},
     {kTag, &LumoraReportFilter::hasTag},
 };
-
-// "Allow Global" counts only where the customer's form offers it.
-bool IsGlobalRun(PortalContext& ctx) {
-    const WebArgument* tick = ctx.FindWebArgument(kGlobalTick);
-    if (tick == nullptr || !IsTicked(tick->value)) return false;
-    const UString offered = ctx.GetCustomerAttribute(kGlobalAttribute);
-    return !offered.IsEmpty() && offered != "0";
-}
 
 }  // namespace
 
@@ -114,9 +105,13 @@ std::unique_ptr<ReportDefinition> ReportDefinition::Load(PortalContext& ctx, con
     for (const auto& [column, flag] : kSwitches)
         filter.*flag = db.IntColumn(column) != 0;
     filter.hasTimePeriod = !definition->hideTimeOfDay;
+    filter.mandatoryContact = filter.hasContact;
     filter.hasMarkup = definition->category == kCostCategory;
+    filter.mandatoryEntity = definition->HasFormat("mandatory");
 
-    if (!definition->globalSQL.IsEmpty() && IsGlobalRun(ctx))
+    // "Allow Global" counts only where the customer's form offers it.
+    if (IsTicked(filter.globcb1) && !IsGlobalOffered(ctx)) filter.globcb1 = "";
+    if (IsTicked(filter.globcb1) && !definition->globalSQL.IsEmpty())
         definition->query = definition->globalSQL;
     db.Query(SqlText(kHelpSql, SqlQuoted(pagename)));
     if (db.NextRow()) definition->help = db.Column(0);

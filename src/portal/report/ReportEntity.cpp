@@ -1,98 +1,285 @@
 #include "portal/report/ReportEntity.h"
 
+#include "cgiFramework/SQLTableQuery.h"
 #include "portal/context/PortalContext.h"
+#include "portal/report/LumoraReportFilter.h"
+#include "portal/report/ReportEntitySource.h"
+#include "portal/report/ReportGroup.h"
 
 namespace {
 
-// Recordings count when it is asked whether the caller is restricted, but only logging admits.
-constexpr char kPermissionsSql[] =
-    "SELECT * FROM CallLogPermissions WHERE contactid='%i' AND customerid='%s' AND type='%s' "
-    "AND (logging='1' or recording='1') ";
 constexpr char kPermittedSql[] =
-    "SELECT cn FROM %s as u INNER JOIN CallLogPermissions as clp "
-    "ON clp.entityNumber = u.telephonenumber WHERE clp.contactid='%i' AND clp.customerid IN('%s') "
-    "and clp.logging='1' and clp.type='%s' and u.customerid IN('%s') and u.cn='%s'";
-constexpr char kAllNamesSql[] = "SELECT QUOTE(cn) FROM %s WHERE customerid IN('%s')";
-constexpr char kAllPermittedNamesSql[] =
-    "SELECT QUOTE(cn) FROM %s as u INNER JOIN CallLogPermissions as clp "
-    "ON clp.entityNumber = u.telephonenumber WHERE clp.contactid='%i' AND clp.customerid IN('%s') "
-    "and clp.logging='1' and clp.type='%s' and u.customerid IN('%s')";
-// Calls that went to a voicemail box belong to the departments.
-constexpr char kVoicemailSql[] = " UNION ALL SELECT QUOTE('!Voicemail')";
+    "SELECT %s FROM %s as u INNER JOIN CallLogPermissions as clp "
+    "ON clp.entityNumber = u.%s WHERE clp.contactid='%i' AND clp.customerid IN('%s') "
+    "and clp.%s='1' and clp.type='%s' and u.customerid IN('%s') and u.%s='%s' ";
+constexpr char kOfCompanySql[] =
+    " AND _company IN (SELECT GUID FROM LDAPCompanies WHERE customerid IN('%s') AND cn='%s')";
+constexpr char kWithNameSql[] = " AND %s LIKE '%%%s%%'";
+constexpr char kVoicemail[] = "!Voicemail";
 
-struct Kind {
-    const char* type;
-    const char* table;
-    const char* refusal;
-    const char* moreNamesSql;
+constexpr char kInboxSql[] =
+    "SELECT QUOTE(id), name, id FROM FrontInbox %s WHERE %s='%s' %s AND customerid IN('%s')";
+constexpr char kAllInboxesSql[] =
+    "SELECT QUOTE(id), 'All Inboxes' AS name, id FROM FrontInbox %s WHERE customerid IN('%s') %s";
+constexpr char kInboxPermissionSql[] =
+    "INNER JOIN CallLogPermissions AS clp ON clp.entityNumber=id AND clp.contactid='%i' "
+    "AND clp.customerid='%s' AND clp.type='Inbox' AND clp.logging='1'";
+enum { kInboxId, kInboxName };
+
+constexpr char kNothing[] = "='' AND '1'='0'";
+
+ReportEntity Refused(const char* name) {
+    return {kNothing, kNothing, name, /*restricted=*/true, /*chosen=*/true};
+}
+
+ReportEntity Only(const UString& name, bool restricted) {
+    const std::string condition = SqlText("='%s'", SqlQuoted(name)).c_str();
+    return {condition, condition, name, restricted, /*chosen=*/true};
+}
+
+bool IsPermitted(PortalContext& ctx, const EntitySource& source, const UString& name) {
+    const SqlFragment group(ctx.GetCustomerSearchGroup());
+    const SqlFragment column(source.name);
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText(kPermittedSql, column, SqlFragment(source.table), SqlFragment(source.number),
+                     ctx.contactId, group, SqlFragment(source.right), SqlQuoted(source.type), group,
+                     column, SqlQuoted(name)));
+    return db.RowCount() > 0;
+}
+
+ReportEntity GetEntity(PortalContext& ctx, const EntitySource& source, const UString& name,
+                       bool everything) {
+    const bool restricted = !everything && IsRestricted(ctx, source);
+    if (restricted && !IsPermitted(ctx, source, name)) return Refused(source.refusal);
+    return Only(name, restricted);
+}
+
+// A statement of names, put together from several sources.
+class NameQuery {
+  public:
+    NameQuery(PortalContext& ctx, bool everything) : ctx_(ctx), everything_(everything) {}
+
+    // The names of a source that the caller may see, with more conditions on them.
+    void Add(const EntitySource& source, const std::string& more = "") {
+        const bool restricted = !everything_ && IsRestricted(ctx_, source);
+        restricted_ = restricted_ || restricted;
+        const UString quoted = UString("QUOTE(") + source.name + ")";
+        Append(quoted_, NamesSql(ctx_, source, quoted.c_str(), restricted) + more);
+        Append(plain_, NamesSql(ctx_, source, source.name, restricted) + more);
+    }
+    void AddName(const char* name) {
+        const SqlQuoted text(name);
+        Append(quoted_, SqlText("SELECT QUOTE('%s')", text).c_str());
+        Append(plain_, SqlText("SELECT '%s'", text).c_str());
+    }
+
+    ReportEntity Run(const UString& name) {
+        std::vector<std::string> names;
+        SQLSession db(ctx_.GetSQLSession());
+        db.Query(SqlText("%s", SqlFragment(quoted_)));
+        names.reserve(db.RowCount());
+        while (db.NextRow())
+            names.emplace_back(db.View(0));
+        return {NameListCondition(names), "IN (" + plain_ + ")", name, restricted_,
+                /*chosen=*/false};
+    }
+
+  private:
+    static void Append(std::string& statement, const std::string& part) {
+        if (!statement.empty()) statement += " UNION ALL ";
+        statement += part;
+    }
+
+    PortalContext& ctx_;
+    bool everything_;
+    bool restricted_ = false;
+    std::string quoted_;
+    std::string plain_;
 };
-constexpr Kind kUser = {"User", "LDAPUsers", "Restricted user selected!", ""};
-constexpr Kind kDepartment = {"Department", "LDAPDepartments", "Restricted department selected!",
-                              kVoicemailSql};
 
-// The context joins the group's ids itself: numbers, made to stand inside IN('...').
-SqlFragment SearchGroup(PortalContext& ctx) {
-    return SqlFragment(ctx.GetCustomerSearchGroup());
+struct PluralKind {
+    const EntitySource* source;
+    const char* plural;
+};
+const std::vector<PluralKind> kPeople = {{&kUsers, "Users"}, {&kDepartments, "Departments"}};
+
+// The kinds that the form of a report offers.
+std::vector<PluralKind> OfferedKinds(const LumoraReportFilter& filter) {
+    std::vector<PluralKind> kinds;
+    if (filter.hasUser) kinds.push_back({&kUsers, "Users"});
+    if (filter.hasDepartment || filter.hasOutDept) kinds.push_back({&kDepartments, "Departments"});
+    if (filter.hasQueue) kinds.push_back({&kQueues, "Queues"});
+    if (filter.hasAgent) kinds.push_back({&kAgents, "Agents"});
+    if (filter.hasTeammate) kinds.push_back({&kTeammates, "Teammates"});
+    return kinds.empty() ? kPeople : kinds;
 }
 
-bool IsRestricted(PortalContext& ctx, const Kind& kind) {
-    SQLSession db(ctx.GetSQLSession());
-    db.Query(SqlText(kPermissionsSql, ctx.contactId, SqlQuoted(ctx.customerIdString),
-                     SqlQuoted(kind.type)));
-    return db.RowCount() > 0;
+// "All Users, Departments and Queues"
+UString AllOf(const std::vector<PluralKind>& kinds) {
+    UString name("All ");
+    for (size_t i = 0; i < kinds.size(); ++i) {
+        if (i > 0) name += i + 1 < kinds.size() ? ", " : " and ";
+        name += kinds[i].plural;
+    }
+    return name;
 }
 
-bool IsPermitted(PortalContext& ctx, const Kind& kind, const UString& name) {
-    const SqlFragment group = SearchGroup(ctx);
-    SQLSession db(ctx.GetSQLSession());
-    db.Query(SqlText(kPermittedSql, SqlFragment(kind.table), ctx.contactId, group,
-                     SqlQuoted(kind.type), group, SqlQuoted(name)));
-    return db.RowCount() > 0;
+// Everybody of these kinds.
+ReportEntity GetAllEntities(PortalContext& ctx, const std::vector<PluralKind>& kinds,
+                            bool everything) {
+    NameQuery names(ctx, everything);
+    for (const PluralKind& kind : kinds) {
+        names.Add(*kind.source);
+        // Calls that went to a voicemail box belong to the departments.
+        if (kind.source == &kDepartments) names.AddName(kVoicemail);
+    }
+    ReportEntity all = names.Run(AllOf(kinds));
+    if (all.restricted) all.name += " you may see";
+    return all;
 }
 
-ReportEntity GetEntity(PortalContext& ctx, const Kind& kind, const UString& name, bool everything) {
-    const bool restricted = !everything && IsRestricted(ctx, kind);
-    if (restricted && !IsPermitted(ctx, kind, name))
-        return {"='' AND '1'='0'", kind.refusal, restricted};
-    return {SqlText("='%s'", SqlQuoted(name)).c_str(), name, restricted};
+// Those of these kinds whose names hold the text.
+ReportEntity GetMatchingEntities(PortalContext& ctx, const std::vector<PluralKind>& kinds,
+                                 const UString& text, bool everything) {
+    NameQuery names(ctx, everything);
+    const SqlQuoted pattern(LikeLiteral(text.c_str()).c_str());
+    for (const PluralKind& kind : kinds)
+        names.Add(*kind.source,
+                  SqlText(kWithNameSql, SqlFragment(kind.source->name), pattern).c_str());
+    ReportEntity matching = names.Run(text);
+    matching.chosen = true;
+    return matching;
 }
 
-void AppendNames(PortalContext& ctx, const Kind& kind, bool restricted,
-                 std::vector<std::string>& names) {
-    const SqlFragment group = SearchGroup(ctx);
-    const SqlText all = restricted ? SqlText(kAllPermittedNamesSql, SqlFragment(kind.table),
-                                             ctx.contactId, group, SqlQuoted(kind.type), group)
-                                   : SqlText(kAllNamesSql, SqlFragment(kind.table), group);
-    SQLSession db(ctx.GetSQLSession());
-    db.Query(SqlText("%s%s", SqlFragment(all.c_str()), SqlFragment(kind.moreNamesSql)));
-    while (db.NextRow())
-        names.emplace_back(db.View(0));
+// The reports of the lines' capacity are about trunks, not about people.
+constexpr char kCapacityReport[] = "trunkcapacity";
+constexpr char kCapacityDrill[] = "trunkcapdrill";
+
+// The customer's trunks, or every trunk that carried a call.
+ReportEntity GetTrunkEntity(PortalContext& ctx, const LumoraReportFilter& filter) {
+    if (filter.report == kCapacityDrill) return {"<>''", "<>''", "All Active System Trunks"};
+    NameQuery trunks(ctx, /*everything=*/true);
+    trunks.Add(kTrunks);
+    return trunks.Run("All System Trunks");
 }
 
 }  // namespace
 
 ReportEntity GetUserEntity(PortalContext& ctx, const UString& name, bool everything) {
-    return GetEntity(ctx, kUser, name, everything);
+    return GetEntity(ctx, kUsers, name, everything);
 }
 
 ReportEntity GetDeptEntity(PortalContext& ctx, const UString& name, bool everything) {
-    return GetEntity(ctx, kDepartment, name, everything);
+    return GetEntity(ctx, kDepartments, name, everything);
 }
 
-ReportEntity GetAllEntities(PortalContext& ctx, bool users, bool departments, bool everything) {
-    if (!users && !departments) users = departments = true;
-    ReportEntity all;
-    all.name = !departments ? "All Users" : users ? "All Users and Departments" : "All Departments";
-    std::vector<std::string> names;
-    for (const Kind& kind : {kUser, kDepartment}) {
-        if (!(kind.table == kUser.table ? users : departments)) continue;
-        const bool restricted = !everything && IsRestricted(ctx, kind);
-        AppendNames(ctx, kind, restricted, names);
-        all.restricted = all.restricted || restricted;
+ReportEntity GetQueueEntity(PortalContext& ctx, const UString& name, bool everything) {
+    return GetEntity(ctx, kQueues, name, everything);
+}
+
+ReportEntity GetAgentEntity(PortalContext& ctx, const UString& name, bool everything) {
+    return GetEntity(ctx, kAgents, name, everything);
+}
+
+ReportEntity GetCompanyEntity(PortalContext& ctx, const UString& name, bool departments,
+                              bool everything) {
+    const std::string ofCompany =
+        SqlText(kOfCompanySql, SqlFragment(ctx.GetCustomerSearchGroup()), SqlQuoted(name)).c_str();
+    NameQuery names(ctx, everything);
+    names.Add(kUsers, ofCompany);
+    if (departments) names.Add(kDepartments, ofCompany);
+    ReportEntity company = names.Run(name);
+    company.chosen = true;
+    return company;
+}
+
+ReportEntity GetInboxEntity(PortalContext& ctx, const UString& id, const UString& name,
+                            bool everything) {
+    const bool all = id.IsEmpty() && name.IsEmpty();
+    const bool restricted = !everything && IsRestricted(ctx, kInboxes);
+    const SqlFragment permitted(
+        restricted
+            ? SqlText(kInboxPermissionSql, ctx.contactId, SqlQuoted(ctx.customerIdString)).c_str()
+            : "");
+    const SqlFragment open(ctx.GetCustomerAttribute("privateib") == "1" ? ""
+                                                                        : " AND NOT isPrivate ");
+    const SqlFragment group(ctx.GetCustomerSearchGroup());
+    SQLSession db(ctx.GetSQLSession());
+    if (all)
+        db.Query(SqlText(kAllInboxesSql, permitted, group, open));
+    else
+        db.Query(SqlText(kInboxSql, permitted, SqlFragment(id.IsEmpty() ? "name" : "id"),
+                         SqlQuoted(id.IsEmpty() ? name : id), open, group));
+    ReportEntity inbox;
+    std::vector<std::string> ids;
+    while (db.NextRow()) {
+        ids.emplace_back(db.View(kInboxId));
+        inbox.name = db.Column(kInboxName);
     }
-    if (all.restricted) all.name += " you may see";
-    all.condition = NameListCondition(names);
-    return all;
+    if (ids.empty() && !all) return Refused("No permission for inbox");
+    if (ids.empty()) inbox.name = "All Inboxes";
+    inbox.condition = inbox.subquery = NameListCondition(ids);
+    inbox.restricted = restricted;
+    inbox.chosen = !all;
+    return inbox;
+}
+
+ReportEntity GetGroupEntity(PortalContext& ctx, const UString& name, bool everything) {
+    const GroupMembers members = GetGroupMembers(ctx, name, everything);
+    ReportEntity group{"AND FALSE", "AND FALSE", name, members.restricted, /*chosen=*/true};
+    if (members.statement.empty()) return group;
+    std::vector<std::string> names;
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText("SELECT QUOTE(name) FROM (%s) AS member", SqlFragment(members.statement)));
+    while (db.NextRow())
+        names.emplace_back(db.View(0));
+    if (names.empty()) return group;
+    group.condition = NameListCondition(names);
+    group.subquery = "IN (" + members.statement + ")";
+    return group;
+}
+
+ReportEntity GetChosenEntity(PortalContext& ctx, const LumoraReportFilter& filter) {
+    const bool everything = filter.allowAllRecords;
+    if (IsTrunkReport(filter)) return GetTrunkEntity(ctx, filter);
+    if (IsTicked(filter.globcb1))
+        return filter.hasInbox ? GetInboxEntity(ctx, UString(), UString(), everything)
+                               : GetAllEntities(ctx, OfferedKinds(filter), everything);
+    // A user or department narrows every report, the other kinds only those that offer them.
+    if (!filter.userfilter.IsEmpty()) return GetUserEntity(ctx, filter.userfilter, everything);
+    if (!filter.department.IsEmpty()) return GetDeptEntity(ctx, filter.department, everything);
+    if (filter.hasGroup && !filter.group.IsEmpty())
+        return GetGroupEntity(ctx, filter.group, everything);
+    if (filter.hasCompany && !filter.company.IsEmpty())
+        return GetCompanyEntity(ctx, filter.company, filter.hasDepartment || filter.hasOutDept,
+                                everything);
+    if (filter.hasQueue && !filter.queueFilter.IsEmpty())
+        return GetQueueEntity(ctx, filter.queueFilter, everything);
+    if (filter.hasAgent && !filter.agentFilter.IsEmpty())
+        return GetAgentEntity(ctx, filter.agentFilter, everything);
+    if (filter.hasTeammate && filter.searchtype == "teammate" && !filter.suggest1.IsEmpty())
+        return GetEntity(ctx, kTeammates, filter.suggest1, everything);
+    if (filter.hasInbox) return GetInboxEntity(ctx, filter.inboxId, filter.inboxName, everything);
+    const auto kinds = OfferedKinds(filter);
+    if (filter.searchtype == "freetext" && !filter.suggest1.IsEmpty())
+        return GetMatchingEntities(ctx, kinds, filter.suggest1, everything);
+    return GetAllEntities(ctx, kinds, everything);
+}
+
+ReportEntity GetSecondEntity(PortalContext& ctx, const LumoraReportFilter& filter) {
+    const bool everything = filter.allowAllRecords;
+    if (!filter.userfilter2.IsEmpty()) return GetUserEntity(ctx, filter.userfilter2, everything);
+    if (!filter.department2.IsEmpty()) return GetDeptEntity(ctx, filter.department2, everything);
+    if (!filter.group2.IsEmpty()) return GetGroupEntity(ctx, filter.group2, everything);
+    return GetAllEntities(ctx, kPeople, everything);
+}
+
+bool IsTrunkReport(const LumoraReportFilter& filter) {
+    return filter.report == kCapacityReport || filter.report == kCapacityDrill;
+}
+
+bool SeesAllTeammates(PortalContext& ctx) {
+    return !IsRestricted(ctx, kTeammates);
 }
 
 std::string NameListCondition(const std::vector<std::string>& quotedNames) {

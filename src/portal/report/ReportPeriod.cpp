@@ -15,6 +15,7 @@ constexpr char kMonthStart[] = "DATE_FORMAT(NOW(),'%Y-%m-01')";
 constexpr char kYearStart[] = "DATE_FORMAT(NOW(),'%Y-01-01')";
 constexpr char kThisWeek[] = "thisweek";
 constexpr char kLastWeek[] = "lastweek";
+constexpr char kWallboardDay[] = "Wallboard Day";
 
 struct Period {
     const char* keyword;
@@ -124,6 +125,9 @@ UString PeriodSql::Title(const char* startDate, const char* endDate) const {
             break;
         case kNamed:
             return caption;
+        case kSpan:
+            title.Format("%s - %s", startDate, endDate);
+            break;
     }
     if (*caption != '\0') title = title + " (" + UString(caption) + ")";
     return title;
@@ -153,7 +157,12 @@ PeriodSql ExplicitPeriod(const char* startDate, const char* endDate, bool exact)
         return {SqlText("DATE('%s')", SqlQuoted(startDate)).c_str(),
                 SqlText("DATE('%s')", SqlQuoted(endDate)).c_str(), PeriodSql::kRange, ""};
     return {SqlText("'%s'", SqlQuoted(startDate)).c_str(),
-            SqlText("'%s'", SqlQuoted(endDate)).c_str(), PeriodSql::kRange, "Wallboard Day",
+            SqlText("'%s'", SqlQuoted(endDate)).c_str(), PeriodSql::kRange, kWallboardDay,
+            /*exact=*/true};
+}
+
+PeriodSql WallboardPeriod(const char* start) {
+    return {SqlText("'%s'", SqlQuoted(start)).c_str(), "NOW()", PeriodSql::kSpan, kWallboardDay,
             /*exact=*/true};
 }
 

@@ -34,6 +34,7 @@ struct PeriodSql {
         kOneDate,  // "On: 2024-03-15"
         kRange,    // "From: 2024-02-01, To: 2024-02-29 (Last Month)"
         kNamed,    // the caption alone
+        kSpan,     // "2024-03-15 06:00:00 - 2024-03-15 14:12:40 (Wallboard Day)"
     };
     std::string start;
     std::string end;
@@ -55,6 +56,8 @@ PeriodSql KeywordPeriod(const char* keyword, const ReportWeek& week);
 bool PeriodNeedsWeek(const char* keyword);
 // The period between dates that have been checked; an empty `endDate` means one day.
 PeriodSql ExplicitPeriod(const char* startDate, const char* endDate, bool exact);
+// A wallboard's day so far. `start` is a time stamp that the server evaluated.
+PeriodSql WallboardPeriod(const char* start);
 
 // "0830" becomes "08:30"; what is no time of day becomes `def`.
 UString hhmmToTime(const char* text, const char* def);

@@ -7,6 +7,7 @@
 #include "common/Log.h"
 #include "portal/background/BackgroundJob.h"
 #include "portal/context/PortalContext.h"
+#include "portal/report/LumoraReportFilter.h"
 #include "portal/theme/StandardPage.h"
 
 namespace {
@@ -35,26 +36,28 @@ UString ProgressOf(const BackgroundJob& job) {
     return ProgressText(seconds, rows);
 }
 
-// The page that shows this job, whether it still runs or has its result.
-UString JobUrl(PortalContext& ctx, const char* report, const BackgroundJob& job) {
+// The page that shows this job, whether it still runs or has its result. It holds the criteria for
+// the form that takes its place once the run is over.
+UString JobUrl(PortalContext& ctx, const char* report, const BackgroundJob& job,
+               const LumoraReportFilter& filter) {
     UString url = ctx.GetPageURL(nullptr);
     url += "&report=";
     AppendSafe(url, report);
     UString id;
     id.Format("&query_id=%d", job.pid());
     url += id;
+    filter.AppendArguments(url);
     return url;
 }
 
-void AddForm(PortalContext& ctx, WebItem& page, const char* report, const BackgroundJob& job,
-             const UString& url) {
+void AddForm(WebItem& page, const char* report, const BackgroundJob& job, const UString& url) {
     UString css;
     css.Format(
         "id=\"progressForm\" data-url=\"%s\" style=\"text-align:center;width:80%%;height:100px;"
         "background:lightyellow;border:darkgray 1px solid\"",
         HtmlAttr(url.c_str()).c_str());
-    WebForm& form = page.Adopt(
-        new WebForm("progressForm", "post", HtmlAttr(ctx.GetURL(nullptr)).c_str(), css.c_str()));
+    WebForm& form =
+        page.Adopt(new WebForm("progressForm", "post", HtmlAttr(url.c_str()).c_str(), css.c_str()));
     // People who do not see are told by the line below it.
     form.Adopt(new WebDiv("aria-hidden=\"true\""))
         .Add(new WebValue("<h3>Generating Report</h3><img src=\"Images/Norvane/progress1.gif\"/>"));
@@ -75,15 +78,15 @@ UString ProgressText(int64_t seconds, uint64_t rows) {
 }
 
 void AddProgress(PortalContext& ctx, StandardPage& page, const char* report,
-                 const BackgroundJob& job) {
-    const UString url = JobUrl(ctx, report, job);
+                 const BackgroundJob& job, const LumoraReportFilter& filter) {
+    const UString url = JobUrl(ctx, report, job, filter);
     UString refresh;
     refresh.Format(
         "<noscript><meta http-equiv=\"refresh\" content=\"%d;url=%s\"></noscript>\n"
         "<script src=\"js/progress.js\" defer></script>\n",
         kReloadSeconds, HtmlAttr(url.c_str()).c_str());
     page.header += refresh;
-    AddForm(ctx, page, report, job, url);
+    AddForm(page, report, job, url);
 }
 
 bool IsProgressAsked(const PortalContext& ctx) {

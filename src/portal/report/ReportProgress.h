@@ -7,6 +7,7 @@
 #include "common/UStringX.h"
 
 class BackgroundJob;
+class LumoraReportFilter;
 class PortalContext;
 class StandardPage;
 
@@ -16,7 +17,7 @@ UString ProgressText(int64_t seconds, uint64_t rows);
 // Fills `page` with the form that shows the job's progress and cancels it. A script keeps it up to
 // date and fetches the result; without scripts the page loads itself again.
 void AddProgress(PortalContext& ctx, StandardPage& page, const char* report,
-                 const BackgroundJob& job);
+                 const BackgroundJob& job, const LumoraReportFilter& filter);
 
 // Does the request ask for a job's progress alone?
 bool IsProgressAsked(const PortalContext& ctx);

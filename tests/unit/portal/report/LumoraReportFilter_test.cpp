@@ -208,13 +208,25 @@ TEST_CASE("criteria that cannot be used are named") {
         {"direction", "inOutFilter=Sideways", "inOutFilter"},
         {"a kind that the report has not", "searchtype=dept&suggest1=Sales", "searchtype"},
         {"free text needs no kind", "searchtype=freetext", ""},
+        {"a second kind that the form has not", "A_searchtype=queue", "A_searchtype"},
+        {"no entity", "mandatory=1&searchtype=user", "suggest1"},
+        {"an entity of another kind", "mandatory=1&department=Sales", "suggest1"},
+        {"an entity", "mandatory=1&userfilter=Ann", ""},
+        {"all, whatever stands there", "mandatory=1&globcb1=on", ""},
+        {"no contact", "contacts=1&contact=&contact2=", "contact1"},
+        {"one contact", "contacts=1&contact6=555", ""},
+        {"a contact searched for", "contacts=1&searchtype=contact&suggest1=555", ""},
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
         Filter filter = FromQuery(c.query);
         filter.hasUser = true;
+        filter.mandatoryEntity = Holds(c.query, "mandatory=1");
+        filter.hasContact = filter.mandatoryContact = Holds(c.query, "contacts=1");
         CHECK(Problems(filter) == c.fields);
     }
+    const std::string tooLong = "ddi=" + std::string(10000, '%') + "&tag=" + std::string(1020, 'x');
+    CHECK(Problems(FromQuery(tooLong.c_str())) == "ddi");
 }
 
 TEST_CASE("the header names selector, tag, drilled column and call type") {
@@ -249,24 +261,31 @@ TEST_CASE("the form offers the report's rows, keeps what was typed and escapes i
     request.Set("QUERY_STRING", "report=callsbyuser&pagename=callreport");
     PortalContext ctx(kConfig, nullptr);
     Filter offered;
-    offered.hasUser = true;
+    offered.hasSecondForField = offered.hasTag = offered.mandatoryEntity = true;
     Filter current;
     current.reportPeriod = "lastmonth";
-    current.department = "not offered";
-    current.userfilter = "\"><script>";
+    current.account = "not offered";
+    current.department2 = "\"><script>";
     const std::string form = Rendered(ctx, offered.filterForm(ctx, current, current.Check()));
     CHECK(Holds(form, "<option selected value=\"lastmonth\">Last Month"));
-    CHECK(Holds(form, "<option selected value=\"user\">Users"));
-    CHECK_FALSE(Holds(form, "Departments"));
+    CHECK(Holds(form, "<option selected value=\"dept\">Departments"));
+    CHECK_FALSE(Holds(form, "Contact"));
+    CHECK_FALSE(Holds(form, "not offered"));
     CHECK(Holds(form, "value=\"&quot;&gt;&lt;script&gt;\""));
     CHECK(Holds(form, "name=\"report\" value=\"callsbyuser\""));
     CHECK(Holds(form, "value=\"Generate Report\" id=\"generate_button\""));
+    CHECK(Holds(form, "data-mandatory-entity"));
     CHECK_FALSE(Holds(form, "fieldError"));
+    CHECK_FALSE(Holds(form, "savedReportDesc"));
 
-    offered.hasTimePeriod = false;
-    offered.hasUser = false;
-    CHECK_FALSE(Holds(Rendered(ctx, offered.filterForm(ctx, current)), "begintime"));
-    CHECK_FALSE(Holds(Rendered(ctx, offered.filterForm(ctx, current)), "suggest1"));
+    offered.hasTimePeriod = offered.hasSecondForField = false;
+    offered.saveOption = offered.hasDeleteButton = true;
+    current.reportTitle = "Mine & \"yours\"";
+    const std::string saved = Rendered(ctx, offered.filterForm(ctx, current));
+    CHECK_FALSE(Holds(saved, "begintime"));
+    CHECK_FALSE(Holds(saved, "A_suggest1"));
+    CHECK(Holds(saved, "value=\"Mine &amp; &quot;yours&quot;\""));
+    CHECK(Holds(saved, "value=\"Delete\" id=\"delete_button\""));
 }
 
 TEST_CASE("a list of periods that is handed in stands in for the form's own") {
