@@ -147,7 +147,6 @@ test('no other argument, and no session of a manager, widens what is seen', asyn
         { allowAllRecords: '1' },
         { allusers: '1' },
         { entity: 'IS NOT NULL' },
-        { searchtype: 'freetext', suggest1: others[0].name },
         { group: '1' },
         { company: 'x' },
         { A_searchtype: 'user', A_suggest1: others[0].name },

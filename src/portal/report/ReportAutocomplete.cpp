@@ -68,9 +68,9 @@ constexpr char kPermittedSql[] =
     "customerid=@customer AND type='%s' AND %s) OR number IN (SELECT entityNumber FROM "
     "CallLogPermissions WHERE contactid=@contact AND customerid=@customer AND type='%s' AND "
     "%s=1))";
-// As in the reports: permissions for recordings count when it is asked whether the caller is
-// limited.
-constexpr char kLoggingLimits[] = "(logging=1 OR recording=1)";
+// As in the reports: permissions for logging and recordings count when it is asked whether the
+// caller is limited, also where another right admits.
+constexpr char kLimitsSql[] = "(logging=1 OR recording=1 OR %s=1)";
 constexpr char kOrderSql[] = " ORDER BY type, name ASC LIMIT 50";
 
 // Distinct pairs, which the server reads off its index without visiting every call.
@@ -98,10 +98,10 @@ SqlQuoted Pattern(const PortalContext& ctx) {
 
 std::string PermittedCondition(const SuggestedKind& kind) {
     if (kind.permissionType == nullptr) return "";
-    const std::string flag = kind.permission;
-    const std::string limits = flag == "logging" ? kLoggingLimits : flag + "=1";
+    const SqlFragment flag(kind.permission);
+    const SqlFragment limits(SqlText(kLimitsSql, flag).c_str());
     const SqlQuoted type(kind.permissionType);
-    return SqlText(kPermittedSql, type, SqlFragment(limits), type, SqlFragment(flag)).c_str();
+    return SqlText(kPermittedSql, type, limits, type, flag).c_str();
 }
 
 std::string KindStatement(PortalContext& ctx, const SuggestedKind& kind) {

@@ -15,12 +15,13 @@ constexpr char kPermittedSql[] =
 constexpr char kOfCompanySql[] =
     " AND _company IN (SELECT GUID FROM LDAPCompanies WHERE customerid IN('%s') AND cn='%s')";
 constexpr char kWithNameSql[] = " AND %s LIKE '%%%s%%'";
+constexpr char kFullNameSql[] = " AND TRIM(CONCAT(firstName,' ',lastName))='%s'";
 constexpr char kVoicemail[] = "!Voicemail";
 
 constexpr char kInboxSql[] =
-    "SELECT QUOTE(id), name, id FROM FrontInbox %s WHERE %s='%s' %s AND customerid IN('%s')";
+    "SELECT QUOTE(id), name, id FROM FrontInbox %s WHERE %s='%s' %s AND FrontInbox.customerid IN('%s')";
 constexpr char kAllInboxesSql[] =
-    "SELECT QUOTE(id), 'All Inboxes' AS name, id FROM FrontInbox %s WHERE customerid IN('%s') %s";
+    "SELECT QUOTE(id), 'All Inboxes' AS name, id FROM FrontInbox %s WHERE FrontInbox.customerid IN('%s') %s";
 constexpr char kInboxPermissionSql[] =
     "INNER JOIN CallLogPermissions AS clp ON clp.entityNumber=id AND clp.contactid='%i' "
     "AND clp.customerid='%s' AND clp.type='Inbox' AND clp.logging='1'";
@@ -224,6 +225,14 @@ ReportEntity GetInboxEntity(PortalContext& ctx, const UString& id, const UString
     return inbox;
 }
 
+ReportEntity GetTeammateEntity(PortalContext& ctx, const UString& name, bool everything) {
+    NameQuery ids(ctx, everything);
+    ids.Add(kTeammates, SqlText(kFullNameSql, SqlQuoted(name)).c_str());
+    ReportEntity teammate = ids.Run(name);
+    teammate.chosen = true;
+    return teammate;
+}
+
 ReportEntity GetGroupEntity(PortalContext& ctx, const UString& name, bool everything) {
     const GroupMembers members = GetGroupMembers(ctx, name, everything);
     ReportEntity group{"AND FALSE", "AND FALSE", name, members.restricted, /*chosen=*/true};
@@ -258,7 +267,7 @@ ReportEntity GetChosenEntity(PortalContext& ctx, const LumoraReportFilter& filte
     if (filter.hasAgent && !filter.agentFilter.IsEmpty())
         return GetAgentEntity(ctx, filter.agentFilter, everything);
     if (filter.hasTeammate && filter.searchtype == "teammate" && !filter.suggest1.IsEmpty())
-        return GetEntity(ctx, kTeammates, filter.suggest1, everything);
+        return GetTeammateEntity(ctx, filter.suggest1, everything);
     if (filter.hasInbox) return GetInboxEntity(ctx, filter.inboxId, filter.inboxName, everything);
     const auto kinds = OfferedKinds(filter);
     if (filter.searchtype == "freetext" && !filter.suggest1.IsEmpty())

@@ -35,6 +35,8 @@ ReportEntity GetGroupEntity(PortalContext& ctx, const UString& name, bool everyt
 // The people of a company, and its departments where `departments`.
 ReportEntity GetCompanyEntity(PortalContext& ctx, const UString& name, bool departments,
                               bool everything);
+// A condition on teammates' ids, by first and last name.
+ReportEntity GetTeammateEntity(PortalContext& ctx, const UString& name, bool everything);
 // A condition on inboxes' ids: the inbox of that id, or else of that name, or with neither all.
 // Private ones count only where the customer's setting "privateib" is 1.
 ReportEntity GetInboxEntity(PortalContext& ctx, const UString& id, const UString& name,

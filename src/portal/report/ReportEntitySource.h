@@ -12,7 +12,7 @@ struct EntitySource {
     const char* number;   // the column that permissions refer to; null: nobody is limited
     const char* type;     // of the permissions
     const char* right;    // which of their flags admits
-    const char* refusal;  // the name of what the caller may not see
+    const char* refusal;  // the name of one whom the caller may not see
 };
 
 inline constexpr EntitySource kUsers = {"LDAPUsers", "cn",      "telephonenumber",
@@ -27,8 +27,7 @@ inline constexpr EntitySource kAgents = {
     "CallCentreAgent", "agentName", "agentNumber", "User", "agent", "Restricted agent selected!"};
 inline constexpr EntitySource kInboxes = {"FrontInbox", "id",      "id",
                                           "Inbox",      "logging", "No permission for inbox"};
-inline constexpr EntitySource kTeammates = {
-    "FrontTeammate", "id", "id", "Teammate", "logging", "Restricted teammate selected!"};
+inline constexpr EntitySource kTeammates = {"FrontTeammate", "id", "id", "Teammate", "logging", ""};
 inline constexpr EntitySource kTrunks = {"LDAPTrunks", "dn", nullptr, "", "", ""};
 
 // Do the caller's permissions limit the kind? Those for recordings count when that is asked, though
