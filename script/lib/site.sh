@@ -5,11 +5,14 @@
 # install_site: copies what is served into the run folder, which the web server can read wherever the
 # checkout lies. Modification times stay, so that browsers' copies of style sheets stay good.
 install_site() {
+    local module
     say "Installing the web site"
     rm -rf "$run/site.new"
     mkdir -p "$run/site.new/web"
     install -m 0755 "$checkout/build/lumora.cgi" "$run/site.new/lumora.cgi"
-    install -m 0755 "$checkout/build/release/lumora-pdf.so" "$run/site.new/lumora-pdf.so"
+    for module in lumora-pdf.so lumora-xlsx.so; do
+        install -m 0755 "$checkout/build/release/$module" "$run/site.new/$module"
+    done
     tar -C "$checkout/web" --exclude=node_modules --exclude='package*.json' \
         --exclude=.npmrc --exclude=.installed -cf - . |
         tar -C "$run/site.new/web" -xf -

@@ -72,8 +72,12 @@ void FilePage::Render(WebContext&, WebRender* out) {
     header += lines;
     out->Write(header.c_str());
     out->Write("\n");
+    RenderContent(*out);
+}
+
+void FilePage::RenderContent(WebRender& out) {
     if (!stringContent.IsEmpty())
-        out->Write(SinglePercents(stringContent.c_str()));
+        out.Write(SinglePercents(stringContent.c_str()));
     else if (!fname.IsEmpty())
-        out->Write(SinglePercents(ReadFile(RootPath(fname.c_str()).c_str())));
+        out.Write(SinglePercents(ReadFile(RootPath(fname.c_str()).c_str())));
 }

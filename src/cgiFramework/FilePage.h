@@ -23,4 +23,8 @@ class FilePage : public WebItem {
 
     // A file that is missing, cannot be read or is no regular file gives the header lines alone.
     void Render(WebContext& ctx, WebRender* out) override;
+
+  protected:
+    // What comes behind the header lines; a page with content of its own writes that, byte by byte.
+    virtual void RenderContent(WebRender& out);
 };

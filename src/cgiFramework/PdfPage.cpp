@@ -1,43 +1,25 @@
 #include "cgiFramework/PdfPage.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/random.h>
 #include <unistd.h>
 
 #include <bit>
-#include <climits>
 #include <cstdio>
 
+#include "cgiFramework/Module.h"
 #include "cgiFramework/WebContext.h"
 #include "common/Path.h"
 #include "common/ThrowText.h"
-#include "kernel/OSConsole.h"
 #include "pdf/PdfModule.h"
 
 namespace {
 
 constexpr char kPdfFolder[] = "/Norvane/pdf";
 
-// The module lies in the program's own folder and nowhere else.
-std::string ModulePath() {
-    char program[PATH_MAX];
-    const ssize_t length = readlink("/proc/self/exe", program, sizeof program);
-    if (length <= 0 || length == sizeof program)
-        ThrowText("The program's own folder is not known.");
-    const std::string path(program, static_cast<size_t>(length));
-    return path.substr(0, path.rfind('/') + 1) + kPdfModuleFile;
-}
-
-// Loaded once a process; it stays.
 LumoraPdfWriteTable Module() {
-    void* module = dlopen(ModulePath().c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* entry = module != nullptr ? dlsym(module, kPdfModuleEntry) : nullptr;
-    if (entry == nullptr) {
-        ConsoleReport("PdfPage: the PDF module cannot be loaded: %s\n", dlerror());
-        ThrowText("PDF files cannot be made here: the PDF module is missing.");
-    }
-    return std::bit_cast<LumoraPdfWriteTable>(entry);
+    return std::bit_cast<LumoraPdfWriteTable>(
+        LoadModule(kPdfModuleFile, kPdfModuleEntry, "PDF files"));
 }
 
 // A name that nobody can guess: digits of the kernel's random source behind the session's.

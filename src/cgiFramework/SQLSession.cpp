@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "cgiFramework/QueryTiming.h"
 #include "common/Parse.h"
 #include "common/ThrowText.h"
 
@@ -86,7 +87,7 @@ void SQLSession::Fail() const {
 
 void SQLSession::Run(const SqlText& statement) {
     EndResult();
-    if (mysql_real_query(mysql_, statement.c_str(), statement.length()) != 0) Fail();
+    if (RunQuery(mysql_, statement.c_str(), statement.length()) != 0) Fail();
 }
 
 void SQLSession::Query(const SqlText& statement) {

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "cgiFramework/FilePage.h"
 #include "portal/Dispatch.h"
 #include "portal/FileAnswers.h"
 #include "portal/context/ManagerContext.h"
@@ -45,9 +46,13 @@ struct PageRow {
 WebItem* BuildCallReport(ManagerContext& ctx) {
     ctx.GetWebArgument("print", WebArgument::Any)->type_ = WebArgument::Global;
     ctx.GetWebArgument("csv", WebArgument::Any)->type_ = WebArgument::Global;
+    ctx.GetWebArgument("xlsx", WebArgument::Any)->type_ = WebArgument::Global;
     ctx.GetWebArgument("wallboard", WebArgument::Any)->type_ = WebArgument::Global;
     if (IsProgressAsked(ctx)) return new ReportProgressFeed(ctx);
-    return new LumoraReportPage(ctx);
+    auto page = std::make_unique<LumoraReportPage>(ctx);
+    if (std::unique_ptr<WebItem> file = page->GetCSVData()) return file.release();
+    if (std::unique_ptr<WebItem> print = page->GetPrintPage(ctx)) return print.release();
+    return page.release();
 }
 
 WebItem* BuildLogout(ManagerContext& ctx) {

@@ -13,7 +13,7 @@ function assertShows(page, { rows, totals }, what) {
     assert.deepEqual(page.notices, rows.length > 0 ? [] : kNothingFound, what);
     assert.deepEqual(page.rows, rows, what);
     assert.deepEqual(page.totals, totals, what);
-    assert.equal(page.count, { 0: undefined, 1: '1 row' }[rows.length] ?? `${rows.length} rows`, what);
+    assert.equal(page.count, { 0: undefined, 1: '1 row' }[rows.length] ?? `${rows.length.toLocaleString('en')} rows`, what);
 }
 
 // The day with the most calls.

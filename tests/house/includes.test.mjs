@@ -14,12 +14,13 @@ const below = { kernel: [] };
 for (const [folder, next] of [
   ['common', 'kernel'], ['network', 'common'], ['ldap', 'network'], ['cgiFramework', 'ldap'],
 ]) below[folder] = [next, ...below[next]];
-// The PDF module is a library of its own; only its entry is known above.
+// The PDF and workbook modules are libraries of their own; only their entries are known above.
 below.pdf = ['common', 'kernel'];
+below.xlsx = [];
 below.cgiFramework.push('pdf');
 below.mime = below.cgiFramework.slice();
 below.ftp = below.cgiFramework.slice();
-below.portal = ['cgiFramework', 'mime', 'ftp', ...below.cgiFramework];
+below.portal = ['cgiFramework', 'mime', 'ftp', 'xlsx', ...below.cgiFramework];
 
 // Subsystems of the application that others build on, and who builds on which sibling.
 const shared = ['context', 'theme', 'background'];

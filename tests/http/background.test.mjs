@@ -63,7 +63,8 @@ async function newSession(user = 'manager') {
 }
 
 const run = (report, asked, more = {}) => ({ pagename: 'callreport', report: `background_${report}`,
-    submit: 'Generate Report', reportPeriod: 'today', begintime: asked.replace(':', ''), endtime: '2359', ...more });
+    submit: 'Generate Report', reportPeriod: 'today', begintime: asked.replace(':', ''), endtime: '2359',
+    rows: 'all', ...more });
 
 const pidOf = (page) => Number(page.match(/name="query_id" value="(\d+)"/)?.[1]);
 const isProgress = (page) => page.includes('<h3>Generating Report</h3><img src="Images/Norvane/progress1.gif"/>');

@@ -1,45 +1,111 @@
 #include "portal/report/LumoraReport.h"
 
-#include <memory>
 #include <utility>
 
 #include "common/Html.h"
+#include "common/Log.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportFilter.h"
 #include "portal/report/LumoraReportQuery.h"
 #include "portal/report/LumoraReportSQLCol.h"
 #include "portal/report/LumoraReportTable.h"
 #include "portal/report/ReportDefinition.h"
+#include "portal/report/ReportFile.h"
+#include "portal/report/ReportLinks.h"
+#include "portal/report/ReportMessage.h"
 
 namespace {
 
-// `element` is h3 or h4; `label` stands before the value. An empty value has no line.
-void AddHeaderLine(WebItem& header, const char* element, const char* label, const UString& value) {
+void AddCriterion(std::vector<ReportCriterion>& criteria, const char* label, const UString& value) {
     if (value.IsEmpty()) return;
-    header.Adopt(new WebDiv("class=\"headerLine\""))
-        .Add(new WebValue("<%s style=\"display:inline\">%s%s</%s>", element, label,
-                          HtmlText(value.c_str()).c_str(), element));
+    // Parts of it come from SQL, with blanks around them.
+    std::string text = value.c_str();
+    text.erase(0, text.find_first_not_of(' '));
+    text.erase(text.find_last_not_of(' ') + 1);
+    criteria.push_back({label, text});
+}
+
+std::vector<ReportCriterion> CriteriaOf(const UString& name, const LumoraReportQuery& query,
+                                        const UString& filteredOn) {
+    std::vector<ReportCriterion> criteria = {{"Report", name.c_str()}};
+    AddCriterion(criteria, "For", query.GetEntityName());
+    AddCriterion(criteria, "Dates", query.GetDateTitle());
+    AddCriterion(criteria, "Time Filter", query.GetTimeTitle());
+    AddCriterion(criteria, "Filtered on", filteredOn);
+    return criteria;
 }
 
 }  // namespace
 
 LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definition,
-                           const LumoraReportFilter& filter) {
-    auto columns = std::make_unique<const LumoraReportSQLCol>(ctx.dirname.c_str(),
-                                                              definition.reportFile.c_str());
+                           const LumoraReportFilter& filter)
+    : view_(ctx) {
+    const LumoraReportSQLCol columns(ctx.dirname.c_str(), definition.reportFile.c_str());
+    columnCount_ = columns.count();
     const LumoraReportQuery query(ctx, definition.query.c_str(), filter);
     UString filteredOn;
-    filter.GetHeader(ctx, columns->columns(), filteredOn);
+    filter.GetHeader(ctx, columns.columns(), filteredOn);
+    criteria_ = CriteriaOf(definition.name, query, filteredOn);
+    AddHeader();
 
+    const std::string statement = view_.Sorted(query.GetQuery(), columns, definition);
+    const ReportRun run = {ctx, definition, columns, view_, statement};
+    if (view_.form == ReportView::kCsv || view_.form == ReportView::kXlsx) {
+        MakeFile(run);
+        return;
+    }
+    const ReportLinks links(ctx, definition, filter, view_);
+    const bool onScreen = view_.form == ReportView::kScreen;
+    if (onScreen) AddLinks(links.here());
+    Add(new LumoraReportTable(run, onScreen ? &links : nullptr));
+}
+
+LumoraReport::~LumoraReport() = default;
+
+void LumoraReport::AddHeader() {
     WebItem& header = Adopt(new WebDiv("class=\"reportHeader\""));
-    AddHeaderLine(header, "h3", "", definition.name);
-    AddHeaderLine(header, "h3", "For: ", query.GetEntityName());
-    AddHeaderLine(header, "h4", "Dates: ", query.GetDateTitle());
-    AddHeaderLine(header, "h4", "Time Filter: ", query.GetTimeTitle());
-    AddHeaderLine(header, "h4", "Filtered on: ", filteredOn);
+    for (const auto& [label, value] : criteria_) {
+        const bool isName = &label == &criteria_.front().label;
+        const char* element = isName || label == "For" ? "h3" : "h4";
+        header.Adopt(new WebDiv("class=\"headerLine\""))
+            .Add(new WebValue("<%s style=\"display:inline\">%s%s%s</%s>", element,
+                              isName ? "" : label.c_str(), isName ? "" : ": ",
+                              HtmlText(value.c_str()).c_str(), element));
+    }
+}
 
-    LumoraReportTable& table = Adopt(new LumoraReportTable(ctx, definition.pagename.c_str(),
-                                                           query.GetQuery(), std::move(columns)));
-    // In the background the page is only built, and its reader told, once the result is there.
-    if (ctx.background) table.Run(ctx);
+void LumoraReport::MakeFile(const ReportRun& run) {
+    try {
+        file_ = std::make_unique<ReportFile>(run, criteria_);
+    } catch (const char* message) {
+        LogError("Report %s: %s", run.definition.pagename.c_str(), message);
+        Add(new ReportWarning(message));
+    }
+}
+
+std::unique_ptr<FilePage> LumoraReport::TakeFile() {
+    return std::move(file_);
+}
+
+// The same result for paper and as files, each in a window of its own.
+void LumoraReport::AddLinks(const std::string& here) {
+    const struct {
+        const char* argument;
+        const char* image;
+        const char* title;
+    } kForms[] = {
+        {"print", "printer.png", "Printable page"},
+        {"csv", "csv.png", "Download as CSV"},
+        {"xlsx", "xlsx.png", "Download as XLSX"},
+    };
+    WebItem& exports = Adopt(new WebDiv("class=\"reportExports\""));
+    for (const auto& form : kForms) {
+        UString attributes;
+        attributes.Format("href=\"%s&amp;%s=true\" target=\"_blank\" rel=\"noopener\"",
+                          HtmlAttr(here.c_str()).c_str(), form.argument);
+        exports.Adopt(new WebLink(attributes.c_str()))
+            .Add(new WebValue("<img src=\"Images/calllog/%s\" width=\"16\" height=\"16\" alt=\"\"> "
+                              "%s",
+                              form.image, form.title));
+    }
 }

@@ -1,17 +1,46 @@
 // LumoraReport.h: one run of a report: what it is about, and its result.
 #pragma once
 
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "cgiFramework/WebPage.h"
+#include "portal/report/ReportCriteria.h"
+#include "portal/report/ReportView.h"
 
+class FilePage;
 class LumoraReportFilter;
+class LumoraReportQuery;
 class PortalContext;
+class ReportFile;
 struct ReportDefinition;
+struct ReportRun;
 
-// The constructor fills the report's query with the criteria and adds the header lines and the
-// result, which runs the query when it is rendered, or, in the background, at once. Throws the
-// server's message, or a text that says what is wrong with the report's definition.
 class LumoraReport : public WebItem {
   public:
+    // Fills the report's query with the criteria, runs it and keeps the result, so that rendering
+    // needs the database no more. How the result is shown is the request's to say (ReportView.h).
+    // Throws the server's message, or a text that says what is wrong with the report's definition;
+    // a query that fails is told in place of the result.
     LumoraReport(PortalContext& ctx, const ReportDefinition& definition,
                  const LumoraReportFilter& filter);
+    ~LumoraReport() override;
+
+    const ReportView& view() const { return view_; }
+    // How many columns the result has.
+    int columnCount() const { return columnCount_; }
+    // The result as a file, when the request asked for one; null when it did not, or the query
+    // failed. Once only.
+    std::unique_ptr<FilePage> TakeFile();
+
+  private:
+    void AddHeader();
+    void AddLinks(const std::string& here);
+    void MakeFile(const ReportRun& run);
+
+    const ReportView view_;
+    std::vector<ReportCriterion> criteria_;  // the first is the report's name
+    int columnCount_;
+    std::unique_ptr<ReportFile> file_;
 };

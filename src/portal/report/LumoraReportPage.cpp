@@ -2,7 +2,9 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "cgiFramework/FilePage.h"
 #include "common/Html.h"
 #include "common/Log.h"
 #include "portal/background/BackgroundJob.h"
@@ -14,6 +16,7 @@
 #include "portal/report/ReportDefinition.h"
 #include "portal/report/ReportFavourites.h"
 #include "portal/report/ReportMessage.h"
+#include "portal/report/ReportPrintPage.h"
 #include "portal/report/ReportProgress.h"
 
 namespace {
@@ -102,6 +105,18 @@ void LumoraReportPage::Render(WebContext& ctx, WebRender* out) {
     StandardPage::Render(ctx, out);
 }
 
+std::unique_ptr<FilePage> LumoraReportPage::GetCSVData() {
+    return report_ != nullptr ? report_->TakeFile() : nullptr;
+}
+
+std::unique_ptr<WebItem> LumoraReportPage::GetPrintPage(PortalContext& ctx) {
+    if (report_ == nullptr || report_->view().form != ReportView::kPrint) return nullptr;
+    contains.Unlink(report_);
+    auto page = std::make_unique<ReportPrintPage>(ctx, std::exchange(report_, nullptr));
+    page->title = title;
+    return page;
+}
+
 void LumoraReportPage::ChangeLists(PortalContext& ctx) {
     // Going back in the history must not change anything again.
     for (const char* change : {"addmyreport", "removemyreport", "removeQReport"})
@@ -185,7 +200,7 @@ void LumoraReportPage::AddResult(PortalContext& ctx, const ReportDefinition& def
     AddActions(ctx, *this, definition.pagename.c_str(), &filter);
     if (!saved_.IsEmpty()) Add(new ReportNotice(saved_.c_str()));
     try {
-        Add(new LumoraReport(ctx, definition, filter));
+        report_ = &Adopt(new LumoraReport(ctx, definition, filter));
     } catch (const char* message) {
         LogError("Report %s: %s", definition.pagename.c_str(), message);
         Add(new ReportWarning(message));

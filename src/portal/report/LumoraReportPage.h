@@ -7,6 +7,8 @@
 #include "portal/theme/StandardPage.h"
 
 class BackgroundJob;
+class FilePage;
+class LumoraReport;
 class LumoraReportFilter;
 class PortalContext;
 struct FilterProblem;
@@ -29,6 +31,11 @@ class LumoraReportPage : public StandardPage {
     ~LumoraReportPage() override;
     void Render(WebContext& ctx, WebRender* out) override;
 
+    // The result that this process made, as the file or for paper, where the request asked for
+    // that ("csv" or "xlsx", "print"); else null. Takes it out of this page.
+    std::unique_ptr<FilePage> GetCSVData();
+    std::unique_ptr<WebItem> GetPrintPage(PortalContext& ctx);
+
   private:
     // My Reports and the quick reports, as the request asks.
     void ChangeLists(PortalContext& ctx);
@@ -50,4 +57,5 @@ class LumoraReportPage : public StandardPage {
 
     UString saved_;                         // what became of the wish to keep the criteria
     std::unique_ptr<BackgroundJob> ready_;  // its answer is this page's
+    LumoraReport* report_ = nullptr;        // among the items, once it ran here
 };

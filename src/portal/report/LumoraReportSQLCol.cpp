@@ -58,7 +58,7 @@ LumoraReportSQLCol::LumoraReportSQLCol(const char* dirname, const char* reportFi
 
     char* line = nullptr;
     size_t capacity = 0;
-    while (count_ < kMaxColumns - 1 && getline(&line, &capacity, file.get()) > 0) {
+    while (getline(&line, &capacity, file.get()) > 0) {
         line[strcspn(line, "\r\n")] = '\0';
         AddLine(line);
     }
@@ -69,6 +69,10 @@ LumoraReportSQLCol::LumoraReportSQLCol(const char* dirname, const char* reportFi
 void LumoraReportSQLCol::AddLine(const char* line) {
     const CommandLine words(line);
     if (words.argc() == 0) return;
+    if (count_ == kMaxColumns - 1) {
+        ++dropped_;
+        return;
+    }
     LumoraSQLColumnDescription& column = columns_[count_++];
     CopyField(column.fieldname, words[0]);
     CopyField(column.style, words[1]);

@@ -26,7 +26,7 @@ class LumoraReportSQLCol {
     // Reads `reportFile` below the folder `dirname` ("/Norvane/config/reports/"). The name may lead
     // into another folder of /Norvane/config ("../mobilityReports/std.col"). A name that leads
     // elsewhere, or a file that cannot be opened, is reported on the console and thrown as a text.
-    // Columns beyond the 199th are dropped.
+    // Columns beyond the 199th are counted and dropped.
     LumoraReportSQLCol(const char* dirname, const char* reportFile);
     LumoraReportSQLCol(const LumoraReportSQLCol&) = delete;
     LumoraReportSQLCol& operator=(const LumoraReportSQLCol&) = delete;
@@ -34,6 +34,8 @@ class LumoraReportSQLCol {
     // The first column; the array ends with an entry of empty `fieldname` and `style`.
     const LumoraSQLColumnDescription* columns() const { return columns_; }
     int count() const { return count_; }
+    // How many columns of the file there was no room for.
+    int dropped() const { return dropped_; }
 
     const LumoraSQLColumnDescription* begin() const { return columns_; }
     const LumoraSQLColumnDescription* end() const { return columns_ + count_; }
@@ -44,4 +46,5 @@ class LumoraReportSQLCol {
     // Not initialised: most reports use a dozen of the entries.
     LumoraSQLColumnDescription columns_[kMaxColumns];
     int count_ = 0;
+    int dropped_ = 0;
 };

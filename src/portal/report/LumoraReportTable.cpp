@@ -1,73 +1,107 @@
 #include "portal/report/LumoraReportTable.h"
 
 #include <optional>
-#include <utility>
 
+#include "common/Html.h"
 #include "common/Log.h"
-#include "portal/background/BackgroundRender.h"
 #include "portal/context/PortalContext.h"
+#include "portal/report/ReportDefinition.h"
+#include "portal/report/ReportFacts.h"
 #include "portal/report/ReportMessage.h"
-#include "portal/report/ReportSpool.h"
+#include "portal/report/ReportRows.h"
 #include "portal/report/ReportTableWriter.h"
 
 namespace {
 
-std::vector<std::string_view> ColumnNames(const SQLSession& cursor) {
-    std::vector<std::string_view> names;
-    for (int i = 0; i < cursor.ColumnCount(); ++i)
-        names.emplace_back(cursor.ColumnName(i));
-    return names;
+ReportTableLayout LayoutOf(const ReportRun& run, const ReportLinks* links) {
+    ReportTableLayout layout;
+    layout.view = run.view;
+    layout.links = links;
+    layout.seriesTitle = run.definition.multititle;
+    layout.seriesKeys = {run.definition.multikeyfield, run.definition.multikeyfield2};
+    return layout;
 }
 
-void WriteRows(SQLSession& cursor, ReportTableWriter& table, const WebRender& out) {
-    std::vector<std::string_view> row(cursor.ColumnCount());
-    while (!out.Closed() && cursor.NextRow()) {
-        for (size_t i = 0; i < row.size(); ++i)
-            row[i] = cursor.View(static_cast<int>(i));
-        table.AddRow(row);
-        CountBackgroundRows(table.rows());
+std::string GrandTotal(const PortalContext& ctx, ReportDecimal sum) {
+    std::string html = "<br/><hr align='right' width='20%'/><b>Grand Total: ";
+    AppendHtmlText(html, ctx.currency.c_str());
+    AppendReportDecimal(html, ReportStyle::kMoney, sum);
+    return html + "</b>\n";
+}
+
+// The paragraphs of a report's help, folded away.
+std::string HelpText(const UString& help) {
+    if (help.IsEmpty()) return "";
+    std::string html = "<details class=\"reportHelp\"><summary>How this report counts</summary>";
+    std::string_view rest = help.c_str();
+    while (!rest.empty()) {
+        const size_t end = std::min(rest.find('\n'), rest.size());
+        if (end > 0) {
+            html += "<p>";
+            AppendHtmlText(html, rest.substr(0, end));
+            html += "</p>";
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
     }
+    return html + "</details>\n";
 }
 
 }  // namespace
 
-LumoraReportTable::LumoraReportTable(PortalContext& ctx, const char* reportName, std::string query,
-                                     std::unique_ptr<const LumoraReportSQLCol> columns)
-    : portal_(ctx),
-      reportName_(reportName),
-      query_(std::move(query)),
-      columns_(std::move(columns)) {}
-
-LumoraReportTable::~LumoraReportTable() = default;
-
-void LumoraReportTable::Run(WebContext& ctx) {
-    spool_ = std::make_unique<ReportSpool>();
-    WriteResult(ctx, *spool_);
-}
-
-void LumoraReportTable::Render(WebContext& ctx, WebRender* out) {
-    if (spool_ != nullptr) {
-        spool_->SendTo(*out);
-        return;
+LumoraReportTable::LumoraReportTable(const ReportRun& run, const ReportLinks* links) {
+    if (run.columns.dropped() > 0) {
+        UString text;
+        text.Format("The column file of this report has %d columns; the first %d are shown.",
+                    run.columns.count() + run.columns.dropped(), run.columns.count());
+        ReportNotice(text.c_str()).Render(run.ctx, &spool_);
     }
-    // The browser shows title and criteria while the server works.
-    out->Flush();
-    WriteResult(ctx, *out);
+    WriteResult(run, links);
 }
 
-void LumoraReportTable::WriteResult(WebContext& ctx, WebRender& out) {
+void LumoraReportTable::Render(WebContext&, WebRender* out) {
+    spool_.SendTo(*out);
+}
+
+void LumoraReportTable::WriteResult(const ReportRun& run, const ReportLinks* links) {
     std::optional<ReportTableWriter> table;
     try {
-        SQLSession cursor(portal_.GetSQLSession());
-        cursor.Stream(SqlText::FromTemplate(query_));
-        table.emplace(*columns_, ColumnNames(cursor), out);
-        WriteRows(cursor, *table, out);
+        ReportRows rows(run.ctx, run.query);
+        table.emplace(run.columns, rows.names(), spool_, LayoutOf(run, links));
+        ReportCallCounts counts(rows.names());
+        std::vector<ReportRowReader*> readers = {&*table};
+        if (counts.any()) readers.push_back(&counts);
+        rows.Read(readers);
         table->Finish();
         if (table->rows() == 0)
-            ReportNotice("No calls were found for these criteria.").Render(ctx, &out);
+            ReportNotice("No calls were found for these criteria.").Render(run.ctx, &spool_);
+        ReportDecimal sum;
+        if (run.definition.HasFormat("money") && table->totals().GrandTotal(sum))
+            spool_.Write(GrandTotal(run.ctx, sum));
+        WriteNotes(run, counts.Text(), rows.cost().seconds(), rows.cost().rowsRead());
     } catch (const char* message) {
         if (table) table->BreakOff();
-        LogError("Report %s: %s", reportName_.c_str(), message);
-        ReportWarning(message).Render(ctx, &out);
+        LogError("Report %s: %s", run.definition.pagename.c_str(), message);
+        ReportWarning(message).Render(run.ctx, &spool_);
     }
+}
+
+void LumoraReportTable::WriteNotes(const ReportRun& run, const std::string& counts, double seconds,
+                                   uint64_t rowsRead) {
+    const ReportDataAge age = ReportDataAge::Read(run.ctx);
+    UString cost;
+    cost.Format("The query took %.2f seconds and read %s rows. ", seconds,
+                GroupedNumber(rowsRead).c_str());
+    std::string html = "<div class=\"reportFacts\">";
+    if (!counts.empty()) html.append("<p>").append(counts).append("</p>");
+    html.append("<p>").append(cost.c_str());
+    if (age.latest.empty())
+        html += "No call is logged yet. ";
+    else
+        html += "The latest logged call began at " + age.latest + ", " + age.AgeText() +
+                " before this report. ";
+    html += "Days and times are those of ";
+    AppendHtmlText(html, run.ctx.zoneName.c_str());
+    html += " by the database server's clock, which showed " + age.now + ".</p></div>\n";
+    spool_.Write(html);
+    spool_.Write(HelpText(run.definition.help));
 }

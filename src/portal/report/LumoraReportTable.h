@@ -1,35 +1,40 @@
-// LumoraReportTable.h: the result of a report as a table, streamed from the server to the reader.
+// LumoraReportTable.h: the result of a report as a table, with what stands above and below it.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "cgiFramework/WebPage.h"
 #include "portal/report/LumoraReportSQLCol.h"
+#include "portal/report/ReportSpool.h"
 
 class PortalContext;
-class ReportSpool;
+class ReportLinks;
+class SQLSession;
+struct ReportDefinition;
+struct ReportView;
 
-// Runs its query when it is rendered, and hands each row on as it comes, or before that, when it is
-// told to. It never throws: a failure, before or amid the rows, is logged and shown in place of the
-// rest.
+// What a run of a report reads its result with. All of it is the caller's.
+struct ReportRun {
+    PortalContext& ctx;
+    const ReportDefinition& definition;
+    const LumoraReportSQLCol& columns;
+    const ReportView& view;
+    const std::string& query;  // the finished statement
+};
+
+// The table is kept until it is rendered, which needs the database no more.
 class LumoraReportTable : public WebItem {
   public:
-    // `query` is the finished statement, `reportName` what the log calls the report. The context's
-    // connection must have no unfinished result while this renders or runs.
-    LumoraReportTable(PortalContext& ctx, const char* reportName, std::string query,
-                      std::unique_ptr<const LumoraReportSQLCol> columns);
-    ~LumoraReportTable() override;
-    // Runs the query now and keeps its table for Render, which needs the database no more.
-    void Run(WebContext& ctx);
+    // Runs the query and takes the whole result; the context's connection must have no unfinished
+    // one. It never throws: a failure, before or amid the rows, is logged and stands in place of
+    // the rest. Null `links`: nothing on it leads anywhere, as on paper.
+    LumoraReportTable(const ReportRun& run, const ReportLinks* links);
     void Render(WebContext& ctx, WebRender* out) override;
 
   private:
-    void WriteResult(WebContext& ctx, WebRender& out);
+    void WriteResult(const ReportRun& run, const ReportLinks* links);
+    void WriteNotes(const ReportRun& run, const std::string& counts, double seconds,
+                    uint64_t rowsRead);
 
-    PortalContext& portal_;
-    UString reportName_;
-    std::string query_;
-    std::unique_ptr<const LumoraReportSQLCol> columns_;
-    std::unique_ptr<ReportSpool> spool_;  // the table, once the query ran
+    ReportSpool spool_;
 };

@@ -113,6 +113,13 @@ const char* ReportStyleName(ReportStyle style) {
     return kStyleNames[static_cast<size_t>(style)];
 }
 
+std::string GroupedNumber(uint64_t number) {
+    std::string text = std::to_string(number);
+    for (size_t at = text.size(); at > 3;)
+        text.insert(at -= 3, 1, ',');
+    return text;
+}
+
 bool ParseReportDecimal(std::string_view text, ReportDecimal& value) {
     const bool negative = text.starts_with('-');
     if (negative) text.remove_prefix(1);

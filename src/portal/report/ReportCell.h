@@ -1,6 +1,7 @@
 // ReportCell.h: how raw values of a report become the text of its cells.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ struct ReportDecimal {
     static constexpr int kScale = 10000;
     ReportInteger units = 0;
 };
+
+// In groups of three digits: "12,345".
+std::string GroupedNumber(uint64_t number);
 
 // Reads "-12.3456"; digits behind the fourth decimal round half away from zero. False for anything
 // else and for more than 19 digits before the point, so that sums and ratios cannot overflow.

@@ -8,6 +8,7 @@
 #include "portal/background/BackgroundJob.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportFilter.h"
+#include "portal/report/ReportCell.h"
 #include "portal/theme/StandardPage.h"
 
 namespace {
@@ -15,14 +16,6 @@ namespace {
 constexpr int kFeedMs = 1000;
 constexpr int kReloadSeconds = 2;
 constexpr char kNotRunning[] = "The report was not running any more.";
-
-// In groups of three digits.
-std::string Grouped(uint64_t number) {
-    std::string text = std::to_string(number);
-    for (size_t at = text.size(); at > 3;)
-        text.insert(at -= 3, 1, ',');
-    return text;
-}
 
 const char* Argument(const PortalContext& ctx, const char* name) {
     const WebArgument* argument = ctx.FindWebArgument(name);
@@ -71,9 +64,9 @@ void AddForm(WebItem& page, const char* report, const BackgroundJob& job, const 
 }  // namespace
 
 UString ProgressText(int64_t seconds, uint64_t rows) {
-    std::string text = Grouped(static_cast<uint64_t>(seconds < 0 ? 0 : seconds));
+    std::string text = GroupedNumber(static_cast<uint64_t>(seconds < 0 ? 0 : seconds));
     text += seconds == 1 ? " second so far" : " seconds so far";
-    if (rows > 0) text += ", " + Grouped(rows) + (rows == 1 ? " row" : " rows");
+    if (rows > 0) text += ", " + GroupedNumber(rows) + (rows == 1 ? " row" : " rows");
     return UString(text.c_str());
 }
 

@@ -12,14 +12,13 @@
 
 namespace {
 
-constexpr char kFolder[] = "/Norvane/fifos";
 constexpr size_t kMostHeld = 1 << 20;
 constexpr size_t kBlock = 16 << 10;
 constexpr size_t kLargePiece = 16 << 10;
 
 // A file that nobody else sees and that no crash leaves behind.
 int OpenNameless() {
-    const UString folder = RootPath(kFolder);
+    const UString folder = RootPath(ReportSpool::kFolder);
     int fd = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (fd >= 0) return fd;
     // Not every file system has such files.
@@ -39,6 +38,12 @@ int OpenNameless() {
 
 ReportSpool::~ReportSpool() {
     if (fd_ >= 0) close(fd_);
+}
+
+std::string ReportSpool::OpenForWriting() {
+    if (fd_ < 0) fd_ = OpenNameless();
+    if (fd_ < 0) Fail();
+    return "/proc/self/fd/" + std::to_string(fd_);
 }
 
 void ReportSpool::vprintf(const char* fmt, va_list args) {

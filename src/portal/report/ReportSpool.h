@@ -16,6 +16,11 @@ class ReportSpool : public WebRender {
 
     void vprintf(const char* fmt, va_list args) override __attribute__((format(printf, 2, 0)));
     void Write(std::string_view text) override;
+    static constexpr char kFolder[] = "/Norvane/fifos";
+
+    // The path of this spool's file, for somebody who writes a whole file by its name. It is good
+    // as long as this lives.
+    std::string OpenForWriting();
     // Writes all of it, in its order, to `out`.
     void SendTo(WebRender& out);
 

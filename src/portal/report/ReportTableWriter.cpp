@@ -1,8 +1,10 @@
 #include "portal/report/ReportTableWriter.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "cgiFramework/WebRender.h"
 #include "common/Html.h"
-#include "common/ThrowText.h"
 
 namespace {
 
@@ -11,47 +13,91 @@ constexpr size_t kBlockSize = 32 << 10;
 }  // namespace
 
 ReportTableWriter::ReportTableWriter(const LumoraReportSQLCol& columns,
-                                     const std::vector<std::string_view>& names, WebRender& out)
-    : columns_(columns), cells_(MatchCells(columns, names)), totals_(columns, names), out_(out) {}
+                                     const std::vector<std::string_view>& names, WebRender& out,
+                                     const ReportTableLayout& layout)
+    : columns_(columns),
+      layout_(layout),
+      cells_(MakeCells(names)),
+      totals_(columns, names),
+      series_(layout.seriesTitle, layout.seriesKeys, names),
+      seriesTotals_(columns, names),
+      out_(out),
+      first_(layout.view.FirstRow()),
+      most_(layout.view.MostRows()) {}
 
-std::vector<ReportTableWriter::Cell> ReportTableWriter::MatchCells(
-    const LumoraReportSQLCol& columns, const std::vector<std::string_view>& names) {
-    if (columns.count() == 0) ThrowText("The column definition file of this report is empty.");
+std::vector<ReportTableWriter::Cell> ReportTableWriter::MakeCells(
+    const std::vector<std::string_view>& names) const {
     std::vector<Cell> cells;
-    for (const LumoraSQLColumnDescription& column : columns) {
-        Cell cell;
-        if (!ParseReportStyle(column.style, cell.style))
-            ThrowText("Column \"%s\" of this report has the unknown style \"%s\".",
-                      column.fieldname, column.style);
-        cell.field = FindResultColumn(names, column.fieldname);
-        if (cell.field < 0)
-            ThrowText("The column \"%s\" of this report is not among the columns of its query.",
-                      column.fieldname);
-        cell.open.append("<td class=\"").append(ReportStyleName(cell.style)).append("\">");
-        cells.push_back(std::move(cell));
+    for (const ReportColumn& column : MatchReportColumns(columns_, names)) {
+        std::string open = "<td class=\"";
+        open.append(ReportStyleName(column.style)).append("\">");
+        cells.push_back({column.field, column.style, std::move(open),
+                         ReportCellLink(layout_.links, column, names)});
     }
     return cells;
 }
 
 void ReportTableWriter::AddRow(const std::vector<std::string_view>& row) {
     if (rows_ == 0) Open();
-    block_ += ++rows_ % 2 != 0 ? "<tr class=\"oddrow\">" : "<tr class=\"evenrow\">";
+    if (series_.any()) {
+        if (series_.Begins(row)) {
+            EndSeries();
+            headingDue_ = true;
+        }
+        seriesTotals_.AddRow(row);
+    }
+    totals_.AddRow(row);
+    const bool onPage = rows_ >= first_ && rows_ - first_ < most_;
+    ++rows_;
+    seriesShown_ = onPage;
+    if (!onPage) return;
+    if (headingDue_) AppendSeriesHeading();
+    AppendRow(row);
+    if (block_.size() >= kBlockSize) Send();
+}
+
+void ReportTableWriter::AppendRow(const std::vector<std::string_view>& row) {
+    block_ += ++shown_ % 2 != 0 ? "<tr class=\"oddrow\">" : "<tr class=\"evenrow\">";
     for (const Cell& cell : cells_) {
         block_ += cell.open;
-        AppendReportCell(block_, cell.style, row[cell.field]);
-        block_ += "</td>";
+        const std::string_view raw = row[cell.field];
+        if (cell.link.Leads(raw)) {
+            cell.link.AppendOpen(block_, row);
+            AppendReportCell(block_, cell.style, raw);
+            block_ += "</a></td>";
+        } else {
+            AppendReportCell(block_, cell.style, raw);
+            block_ += "</td>";
+        }
     }
     block_ += "</tr>\n";
-    totals_.Add(row);
-    if (block_.size() >= kBlockSize) Send();
+}
+
+void ReportTableWriter::AppendSeriesHeading() {
+    block_.append("<tr class=\"seriesrow\"><th colspan=\"").append(std::to_string(cells_.size()));
+    block_ += "\" scope=\"rowgroup\">";
+    AppendHtmlText(block_, series_.Title());
+    block_ += "</th></tr>\n";
+    headingDue_ = false;
+}
+
+// A series whose end lies on another page has its totals there.
+void ReportTableWriter::EndSeries() {
+    if (seriesShown_ && totals_.any()) AppendTotals(seriesTotals_, "subtotalrow");
+    seriesTotals_.Clear();
 }
 
 void ReportTableWriter::Finish() {
     if (rows_ == 0) return;
+    if (series_.any()) EndSeries();
     block_ += "</tbody>\n";
-    if (totals_.any()) AppendTotals();
-    block_ += "</table></div>\n<div class=\"rowCount\">";
-    block_.append(std::to_string(rows_)).append(rows_ == 1 ? " row" : " rows").append("</div>\n");
+    if (totals_.any()) {
+        block_ += "<tfoot>";
+        AppendTotals(totals_, "totalrow");
+        block_ += "</tfoot>\n";
+    }
+    block_ += "</table></div>\n";
+    AppendCount();
     Send();
 }
 
@@ -68,12 +114,8 @@ void ReportTableWriter::Open() {
         "<table class=\"reportTable\">\n<thead>\n";
     AppendGroupTitles();
     block_ += "<tr>";
-    for (int i = 0; i < columns_.count(); ++i) {
-        block_.append("<th scope=\"col\" class=\"").append(ReportStyleName(cells_[i].style));
-        block_ += "\">";
-        AppendHtmlText(block_, columns_.columns()[i].description);
-        block_ += "</th>";
-    }
+    for (int i = 0; i < columns_.count(); ++i)
+        AppendHeading(columns_.columns()[i], cells_[i].style);
     block_ += "</tr>\n</thead>\n<tbody>\n";
 }
 
@@ -103,18 +145,90 @@ void ReportTableWriter::AppendGroupTitles() {
     block_ += "</tr>\n";
 }
 
-void ReportTableWriter::AppendTotals() {
-    block_ += "<tfoot><tr class=\"totalrow\">";
+// A heading leads to the same rows in its column's order: figures begin with the largest. Where
+// they are in that order already, it turns round.
+void ReportTableWriter::AppendHeading(const LumoraSQLColumnDescription& column, ReportStyle style) {
+    const bool sorted = layout_.view.SortColumn(columns_) == &column;
+    const bool descending = layout_.view.descending;
+    block_.append("<th scope=\"col\" class=\"").append(ReportStyleName(style)) += '"';
+    if (sorted) block_.append(" aria-sort=\"").append(descending ? "de" : "a").append("scending\"");
+    block_ += '>';
+    if (layout_.links != nullptr) {
+        const bool figures = style != ReportStyle::kText && style != ReportStyle::kDate;
+        const std::string url =
+            layout_.links->Sorted(column.fieldname, sorted ? !descending : figures);
+        block_.append("<a href=\"").append(HtmlAttr(url.c_str()).c_str()).append("\">");
+    }
+    AppendHtmlText(block_, column.description);
+    block_ += layout_.links != nullptr ? "</a></th>" : "</th>";
+}
+
+void ReportTableWriter::AppendTotals(const ReportTotals& totals, const char* rowClass) {
+    block_.append("<tr class=\"").append(rowClass).append("\">");
     for (int i = 0; i < columns_.count(); ++i) {
-        if (i == 0 && !totals_.Has(i)) {
+        if (i == 0 && !totals.Has(i)) {
             block_ += "<th scope=\"row\">Total</th>";
             continue;
         }
         block_ += cells_[i].open;
-        totals_.Append(block_, i, cells_[i].style);
+        totals.Append(block_, i, cells_[i].style);
         block_ += "</td>";
     }
-    block_ += "</tr></tfoot>\n";
+    block_ += "</tr>";
+    if (&totals == &seriesTotals_) block_ += '\n';
+}
+
+void ReportTableWriter::AppendCount() {
+    block_ += "<div class=\"rowCount\">";
+    const bool isWhole = shown_ == rows_;
+    if (shown_ == 0) {
+        block_.append("There is no page ").append(GroupedNumber(layout_.view.page));
+        block_.append(": the report has ").append(GroupedNumber(rows_));
+    } else if (!isWhole) {
+        block_.append("Rows ").append(GroupedNumber(first_ + 1)).append("-");
+        block_.append(GroupedNumber(first_ + shown_)).append(" of ").append(GroupedNumber(rows_));
+    } else {
+        block_ += GroupedNumber(rows_);
+    }
+    if (isWhole || shown_ == 0) block_ += rows_ == 1 ? " row" : " rows";
+    block_ += "</div>\n";
+    if (layout_.links != nullptr && rows_ > kRowsAPage.front()) AppendPager();
+}
+
+void ReportTableWriter::AppendPager() {
+    const ReportLinks& links = *layout_.links;
+    const uint64_t last = (rows_ - 1) / most_ + 1;
+    const uint64_t page = std::min(layout_.view.page, last + 1);
+    block_ += "<nav class=\"pager\" aria-label=\"Pages of the result\">";
+    if (last > 1 || page > last) {
+        block_ += "<span>";
+        AppendPagerLink(page > 1 ? links.Page(1) : "", "First", "");
+        AppendPagerLink(page > 1 ? links.Page(page - 1) : "", "Previous", "");
+        block_.append("<span>Page ").append(GroupedNumber(layout_.view.page)).append(" of ");
+        block_.append(GroupedNumber(last)).append("</span>");
+        AppendPagerLink(page < last ? links.Page(page + 1) : "", "Next", "");
+        AppendPagerLink(page < last ? links.Page(last) : "", "Last", "");
+        block_ += "</span>";
+    }
+    block_ += "<span>Rows a page:";
+    std::vector<uint64_t> choices = kRowsAPage;
+    choices.push_back(ReportView::kAllRows);
+    for (const uint64_t rows : choices) {
+        const bool present = rows == layout_.view.rows;
+        AppendPagerLink(present ? "" : links.RowsAPage(rows),
+                        rows == ReportView::kAllRows ? "All" : GroupedNumber(rows),
+                        present ? " aria-current=\"true\"" : "");
+    }
+    block_ += "</span></nav>\n";
+}
+
+// An empty address: the choice is not to be had, or is the present one.
+void ReportTableWriter::AppendPagerLink(const std::string& url, const std::string& caption,
+                                        const char* attributes) {
+    const char* element = url.empty() ? "span" : "a";
+    block_.append(" <").append(element).append(attributes);
+    if (!url.empty()) block_.append(" href=\"").append(HtmlAttr(url.c_str()).c_str()) += '"';
+    block_.append(">").append(caption).append("</").append(element).append(">");
 }
 
 void ReportTableWriter::Send() {

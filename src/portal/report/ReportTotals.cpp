@@ -1,8 +1,7 @@
 #include "portal/report/ReportTotals.h"
 
-#include <strings.h>
-
 #include "common/ThrowText.h"
+#include "portal/report/ReportColumns.h"
 
 namespace {
 
@@ -20,15 +19,6 @@ ReportDecimal Quotient(ReportInteger value, ReportInteger divisor) {
 
 }  // namespace
 
-int FindResultColumn(const std::vector<std::string_view>& names, std::string_view name) {
-    for (size_t i = 0; i < names.size(); ++i) {
-        if (names[i].size() == name.size() &&
-            strncasecmp(names[i].data(), name.data(), name.size()) == 0)
-            return static_cast<int>(i);
-    }
-    return -1;
-}
-
 ReportTotals::ReportTotals(const LumoraReportSQLCol& columns,
                            const std::vector<std::string_view>& names) {
     for (const LumoraSQLColumnDescription& column : columns) {
@@ -37,6 +27,8 @@ ReportTotals::ReportTotals(const LumoraReportSQLCol& columns,
         if (type == "sum") {
             total.kind = kSum;
             total.value = SumOf(names, column.fieldname, column.fieldname);
+            if (std::string_view(column.style) == ReportStyleName(ReportStyle::kMoney))
+                grandTotal_ = total.value;
         } else if (type == "count") {
             total.kind = kCount;
         } else if (type == "avg" || type == "percent") {
@@ -66,11 +58,23 @@ int ReportTotals::SumOf(const std::vector<std::string_view>& names, const char* 
     return static_cast<int>(sums_.size()) - 1;
 }
 
-void ReportTotals::Add(const std::vector<std::string_view>& row) {
+void ReportTotals::AddRow(const std::vector<std::string_view>& row) {
     ++rows_;
     ReportDecimal value;
     for (Sum& sum : sums_)
         if (ParseReportDecimal(row[sum.field], value)) sum.value.units += value.units;
+}
+
+void ReportTotals::Clear() {
+    rows_ = 0;
+    for (Sum& sum : sums_)
+        sum.value = {};
+}
+
+bool ReportTotals::GrandTotal(ReportDecimal& sum) const {
+    if (grandTotal_ < 0) return false;
+    sum = sums_[grandTotal_].value;
+    return true;
 }
 
 void ReportTotals::Append(std::string& out, int column, ReportStyle style) const {

@@ -8,9 +8,7 @@
 
 #include "portal/report/LumoraReportSQLCol.h"
 #include "portal/report/ReportCell.h"
-
-// Position of a result column by name, whatever its case, or -1.
-int FindResultColumn(const std::vector<std::string_view>& names, std::string_view name);
+#include "portal/report/ReportRowReader.h"
 
 // Sums exactly while the rows go by:
 //   sum      the sum of the column
@@ -19,7 +17,7 @@ int FindResultColumn(const std::vector<std::string_view>& names, std::string_vie
 //   percent  the same in hundredths
 // The two fields may be result columns that are not shown. Values that are no numbers, and nulls,
 // add nothing.
-class ReportTotals {
+class ReportTotals : public ReportRowReader {
   public:
     // `names` are the result's columns. An unknown total type, or a field that the result lacks,
     // throws a text that names it.
@@ -29,10 +27,13 @@ class ReportTotals {
     bool any() const { return any_; }
     // Has this column of the definition a total?
     bool Has(int column) const { return totals_[column].kind != kNone; }
-    // Takes a row of the result, in the result's order.
-    void Add(const std::vector<std::string_view>& row);
+    void AddRow(const std::vector<std::string_view>& row) override;
+    // Begins anew, without rows.
+    void Clear();
     // Appends the total of a column of the definition; "-" where it would divide by zero.
     void Append(std::string& out, int column, ReportStyle style) const;
+    // The sum below the last column of money that is summed up; false when there is none.
+    bool GrandTotal(ReportDecimal& sum) const;
 
   private:
     enum Kind { kNone, kSum, kCount, kAverage, kPercent };
@@ -52,4 +53,5 @@ class ReportTotals {
     std::vector<Sum> sums_;      // one a result column that any total needs
     int64_t rows_ = 0;
     bool any_ = false;
+    int grandTotal_ = -1;  // position in sums_
 };

@@ -101,21 +101,79 @@ TEST_CASE("a table that breaks off is closed without totals") {
     CHECK(html.ends_with("<td class=\"number\">1</td></tr>\n</tbody>\n</table></div>\n"));
 }
 
-TEST_CASE("every row of a long result reaches the sink") {
+TEST_CASE("a page shows its rows, and the totals of all rows") {
     const auto columns = Columns("n number N \"\" \"\" \"\" sum\n");
-    UStringWebRender out;
-    ReportTableWriter table(*columns, {"n"}, out);
-    for (int i = 0; i < 3000; ++i) {
-        const std::string number = std::to_string(i);
-        table.AddRow({number});
+    const struct {
+        uint64_t page;
+        uint64_t rows;
+        int shown;
+        const char* count;
+    } cases[] = {
+        {1, ReportView::kAllRows, 3000, ">3,000 rows<"},
+        {1, 500, 500, ">Rows 1-500 of 3,000<"},
+        {6, 500, 500, ">Rows 2,501-3,000 of 3,000<"},
+        {31, 100, 0, ">There is no page 31: the report has 3,000 rows<"},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.page);
+        CAPTURE(c.rows);
+        ReportTableLayout layout;
+        layout.view.page = c.page;
+        layout.view.rows = c.rows;
+        UStringWebRender out;
+        ReportTableWriter table(*columns, {"n"}, out, layout);
+        for (int i = 0; i < 3000; ++i) {
+            const std::string number = std::to_string(i);
+            table.AddRow({number});
+        }
+        table.Finish();
+        const std::string html = out.output.c_str();
+        int found = 0;
+        for (size_t at = 0; (at = html.find("row\"><td", at)) != std::string::npos; ++at)
+            ++found;
+        CHECK(found == c.shown + 1);  // with the total
+        CHECK(html.find("<td class=\"number\">4498500</td></tr></tfoot>") != std::string::npos);
+        CHECK(html.find(c.count) != std::string::npos);
     }
-    table.Finish();
-    const std::string html = out.output.c_str();
-    size_t found = 0;
-    for (size_t at = 0; (at = html.find("row\"><td", at)) != std::string::npos; ++at)
-        ++found;
-    CHECK(found == 3001);  // with the total
-    CHECK(html.find("<td class=\"number\">4498500</td></tr></tfoot>") != std::string::npos);
+}
+
+TEST_CASE("each series has its heading and its own totals, on the page where it ends") {
+    const auto columns = Columns("who text Who\nn number N \"\" \"\" \"\" sum\n");
+    const std::vector<Row> rows = {
+        {"Sales", "Ann", "1"}, {"Sales", "Ben", "2"}, {"<Shop>", "Cid", "4"}, {"", "Dot", "8"}};
+    // Headings, names and totals in their order, for two rows a page from the given one on.
+    const auto shown = [&](uint64_t page) {
+        ReportTableLayout layout;
+        layout.seriesTitle = "Department";
+        layout.seriesKeys = {"DEPT", ""};
+        layout.view.rows = page == 0 ? ReportView::kAllRows : 3;
+        layout.view.page = page == 0 ? 1 : page;
+        UStringWebRender out;
+        ReportTableWriter table(*columns, {"dept", "who", "n"}, out, layout);
+        for (const Row& row : rows)
+            table.AddRow(row);
+        table.Finish();
+        std::string html = out.output.c_str();
+        html.erase(0, html.find("<tbody>"));
+        html.erase(html.find("</table>"));
+        std::string text;
+        bool inTag = false;
+        for (const char c : html) {
+            inTag = inTag || c == '<';
+            if (!inTag && c != '\n') text += c;
+            if (c != '>') continue;
+            inTag = false;
+            if (!text.empty() && text.back() != ' ') text += ' ';
+        }
+        return text;
+    };
+    CHECK(shown(0) ==
+          "Department: Sales Ann 1 Ben 2 Total 3 Department: &lt;Shop&gt; Cid 4 Total 4 "
+          "Department: (none) Dot 8 Total 8 Total 15 ");
+    CHECK(shown(1) ==
+          "Department: Sales Ann 1 Ben 2 Total 3 Department: &lt;Shop&gt; Cid 4 Total 4 "
+          "Total 15 ");
+    CHECK(shown(2) == "Department: (none) Dot 8 Total 8 Total 15 ");
 }
 
 TEST_CASE("totals come from the raw values of all rows") {

@@ -1,0 +1,23 @@
+#include "portal/report/ReportRows.h"
+
+#include "portal/background/BackgroundRender.h"
+#include "portal/context/PortalContext.h"
+
+ReportRows::ReportRows(PortalContext& ctx, const std::string& query)
+    : cost_(ctx), cursor_(ctx.GetSQLSession()) {
+    cursor_.Stream(SqlText::FromTemplate(query));
+    for (int i = 0; i < cursor_.ColumnCount(); ++i)
+        names_.emplace_back(cursor_.ColumnName(i));
+}
+
+void ReportRows::Read(const std::vector<ReportRowReader*>& readers) {
+    std::vector<std::string_view> row(names_.size());
+    for (uint64_t rows = 1; cursor_.NextRow(); ++rows) {
+        for (size_t i = 0; i < row.size(); ++i)
+            row[i] = cursor_.View(static_cast<int>(i));
+        for (ReportRowReader* reader : readers)
+            reader->AddRow(row);
+        CountBackgroundRows(rows);
+    }
+    cost_.Finish();
+}

@@ -1,0 +1,84 @@
+#include "portal/report/ReportView.h"
+
+#include <strings.h>
+
+#include <algorithm>
+
+#include "cgiFramework/WebContext.h"
+#include "common/Parse.h"
+#include "portal/report/LumoraReportSQLCol.h"
+#include "portal/report/ReportDefinition.h"
+
+namespace {
+
+constexpr int64_t kMostPages = 1'000'000'000;
+
+const char* Argument(const WebContext& ctx, const char* name) {
+    const WebArgument* argument = ctx.FindWebArgument(name);
+    return argument != nullptr ? argument->Text() : "";
+}
+
+bool IsGiven(const WebContext& ctx, const char* name) {
+    return *Argument(ctx, name) != '\0';
+}
+
+ReportView::Form FormOf(const WebContext& ctx) {
+    if (IsGiven(ctx, "csv")) return ReportView::kCsv;
+    if (IsGiven(ctx, "xlsx")) return ReportView::kXlsx;
+    return IsGiven(ctx, "print") ? ReportView::kPrint : ReportView::kScreen;
+}
+
+uint64_t RowsOf(const WebContext& ctx, uint64_t usual) {
+    const std::string_view text = Argument(ctx, "rows");
+    if (text == "all") return ReportView::kAllRows;
+    for (const uint64_t rows : kRowsAPage)
+        if (text == std::to_string(rows)) return rows;
+    return usual;
+}
+
+// A name as SQL quotes it.
+std::string Identifier(const char* name) {
+    std::string quoted = "`";
+    for (; *name != '\0'; ++name) {
+        if (*name == '`') quoted += '`';
+        quoted += *name;
+    }
+    return quoted + '`';
+}
+
+}  // namespace
+
+const std::vector<uint64_t> kRowsAPage = {100, 500, 1000};
+
+ReportView::ReportView(const WebContext& ctx)
+    : form(FormOf(ctx)),
+      sort(Argument(ctx, "sort")),
+      descending(strcmp(Argument(ctx, "dir"), "desc") == 0),
+      criteria(IsGiven(ctx, "criteria")),
+      graphOnly(IsGiven(ctx, "graphonly")),
+      tableOnly(IsGiven(ctx, "tableonly")) {
+    rows = form == kScreen ? RowsOf(ctx, rows) : kAllRows;
+    int64_t number = 0;
+    if (rows != kAllRows && ParseInt64(Argument(ctx, "page"), number) && number > 0)
+        page = static_cast<uint64_t>(std::min(number, kMostPages));
+}
+
+const LumoraSQLColumnDescription* ReportView::SortColumn(const LumoraReportSQLCol& columns) const {
+    for (const LumoraSQLColumnDescription& column : columns)
+        if (strcasecmp(column.fieldname, sort.c_str()) == 0) return &column;
+    return nullptr;
+}
+
+std::string ReportView::Sorted(std::string query, const LumoraReportSQLCol& columns,
+                               const ReportDefinition& definition) const {
+    const LumoraSQLColumnDescription* column = SortColumn(columns);
+    if (column == nullptr) return query;
+    std::string order;
+    for (const UString* key : {&definition.multikeyfield, &definition.multikeyfield2})
+        if (!key->IsEmpty()) order.append(Identifier(key->c_str())).append(", ");
+    order += Identifier(column->fieldname);
+    if (descending) order += " DESC";
+    if (column != columns.begin())
+        order.append(", ").append(Identifier(columns.begin()->fieldname));
+    return "SELECT * FROM (" + std::move(query) + "\n) AS report ORDER BY " + order;
+}
