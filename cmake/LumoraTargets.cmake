@@ -21,6 +21,10 @@ endif()
 set(MARIADB_INCLUDE /usr/include/mariadb)
 set(MARIADB_LIBRARIES libmariadb.a libssl.a libcrypto.a libz.a)
 
+# What draws charts. FreeType reads PNG pictures and packed fonts, so it stands before their readers.
+set(CHART_INCLUDE /usr/include/freetype2)
+set(CHART_LIBRARIES libfreetype.a libpng.a libz.a libbrotlidec.a libbrotlicommon.a)
+
 # The precompiled header that every library shares.
 if(NOT EXISTS ${CMAKE_BINARY_DIR}/pch.cpp)
     file(WRITE ${CMAKE_BINARY_DIR}/pch.cpp "")
