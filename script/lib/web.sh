@@ -2,7 +2,7 @@
 # What the browser loads from other projects, and the pages that are definition files.
 
 # The files of npm packages that pages load, as "package/path".
-web_files=(jquery/dist/jquery.min.js jquery-ui/dist/jquery-ui.min.js)
+web_files=(jquery/dist/jquery.min.js jquery-ui/dist/jquery-ui.min.js chart.js/dist/chart.umd.min.js)
 
 # install_web_libraries: copies the pinned libraries into web/lib. npm is asked only when they are
 # missing or when the lock file has changed.

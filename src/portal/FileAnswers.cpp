@@ -6,6 +6,8 @@
 
 #include <cstring>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "cgiFramework/FilePage.h"
 #include "cgiFramework/WebRender.h"
@@ -17,6 +19,7 @@ namespace {
 
 constexpr char kPdfFolder[] = "/Norvane/pdf";
 constexpr int kPdfSeconds = 60;
+constexpr char kChartFolder[] = "/Norvane/sessions/charts";
 constexpr size_t kBlock = 8192;
 
 const char* Argument(const WebContext& ctx, const char* name) {
@@ -29,8 +32,7 @@ bool IsFileName(const char* name) {
 }
 
 // The open file and its size, or -1.
-int OpenPdf(const char* name, const char* path, off_t& size) {
-    if (!IsFileName(name)) return -1;
+int OpenRegular(const char* path, off_t& size) {
     const int fd = open(RootPath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     struct stat info {};
     if (fd >= 0 && fstat(fd, &info) == 0 && S_ISREG(info.st_mode)) {
@@ -45,7 +47,7 @@ void SendPdf(const char* name) {
     UString path;
     path.Format("%s/%s", kPdfFolder, name);
     off_t left = 0;
-    const int fd = OpenPdf(name, path.c_str(), left);
+    const int fd = IsFileName(name) ? OpenRegular(path.c_str(), left) : -1;
     if (fd < 0) ThrowText("Unable to open pdf file: %s", path.c_str());
 
     StdoutWebRender out;
@@ -67,6 +69,24 @@ void SendPdf(const char* name) {
     close(null);
 }
 
+// The chart file's text as a file page takes it, with each per-cent sign doubled; "" without a
+// file.
+std::string ChartText(const char* name) {
+    UString path;
+    path.Format("%s/%s", kChartFolder, name);
+    off_t size = 0;
+    const int fd = OpenRegular(path.c_str(), size);
+    if (fd < 0) return {};
+    std::string text;
+    char block[kBlock];
+    for (ssize_t got = 0; (got = read(fd, block, sizeof block)) > 0;) {
+        for (const char c : std::string_view(block, static_cast<size_t>(got)))
+            text.append(c == '%' ? 2 : 1, c);
+    }
+    close(fd);
+    return text;
+}
+
 }  // namespace
 
 WebItem* BuildPdf(ManagerContext& ctx) {
@@ -77,20 +97,20 @@ WebItem* BuildPdf(ManagerContext& ctx) {
 }
 
 bool IsOwnChart(const char* name, const UString& sessionId) {
-    const size_t length = strlen(sessionId.c_str());
-    if (length == 0 || strncmp(name, sessionId.c_str(), length) != 0) return false;
-    // A further digit would make it another session's.
-    return strchr("0123456789", name[length]) == nullptr && strchr(name, '/') == nullptr;
+    constexpr size_t kRandomDigits = 32;
+    const std::string_view own = sessionId.c_str();
+    std::string_view rest = name;
+    if (own.empty() || !rest.starts_with(own)) return false;
+    rest.remove_prefix(own.size());
+    return rest.size() == 1 + kRandomDigits + strlen(".json") && rest[0] == '_' &&
+           rest.find_first_not_of("0123456789abcdef", 1) == 1 + kRandomDigits &&
+           rest.ends_with(".json");
 }
 
 WebItem* BuildJsonChart(ManagerContext& ctx) {
     auto page = std::make_unique<FilePage>();
     const char* name = Argument(ctx, "id");
     page->SetDisplayName(name);
-    if (IsOwnChart(name, ctx.session_id)) {
-        UString path;
-        path.Format("/Norvane/sessions/charts/%s", name);
-        page->SetFileName(path.c_str());
-    }
+    if (IsOwnChart(name, ctx.session_id)) page->SetStringContent(ChartText(name).c_str());
     return page.release();
 }

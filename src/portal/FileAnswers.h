@@ -16,5 +16,6 @@ WebItem* BuildPdf(ManagerContext& ctx);
 // other is answered as one that does not exist.
 WebItem* BuildJsonChart(ManagerContext& ctx);
 
-// Does the file's name begin with the session's id, as those of its charts do?
+// Is this the name of one of the session's charts? It is the session's id, "_", 32 hexadecimal
+// digits that nobody can guess, and ".json".
 bool IsOwnChart(const char* name, const UString& sessionId);

@@ -71,11 +71,16 @@ test('no name leads out of the folder of the PDF files', async () => {
 test('a session sees its own charts and no others', async () => {
     const session = (await get()).text.match(/sessionId=(\d+)/)[1];
     const chartOf = (id) => get({ pagename: 'jsonchart', sessionId: session, id });
-    for (const name of [`${session}_1.json`, `${session}5_1.json`, '123_1.json']) write(kCharts, name, '{"title":"100%"}');
-    const own = await chartOf(`${session}_1.json`);
-    assert.equal(own.text, '{"title":"100%"}');
-    assert.match(own.headers['content-disposition'], new RegExp(`filename="${session}_1\\.json"`));
-    for (const id of [`${session}5_1.json`, '123_1.json', `${session}_2.json`, session, '', `../Lumora_${session}`,
-        `${session}/../../Lumora_${session}`, '../../config/Lumora.cfg'])
+    const random = (digit) => `_${digit.repeat(32)}.json`;
+    for (const name of [session + random('1'), `${session}5${random('1')}`, `123${random('1')}`, `${session}_1.json`])
+        write(kCharts, name, '{"title":"100% of 50%%"}');
+    symlinkSync(`${env.ROOT}/Norvane/config/Lumora.cfg`, `${kCharts}/${session}${random('a')}`);
+    made.push(`${kCharts}/${session}${random('a')}`);
+    const own = await chartOf(session + random('1'));
+    assert.equal(own.text, '{"title":"100% of 50%%"}');
+    assert.ok(own.headers['content-disposition'].includes(`filename="${session}${random('1')}"`));
+    for (const id of [`${session}5${random('1')}`, `123${random('1')}`, session + random('2'), session + random('a'),
+        `${session}_1.json`, session, '', `../Lumora_${session}`, `${session}/../../Lumora_${session}`,
+        '../../config/Lumora.cfg'])
         assert.equal((await chartOf(id)).text, '', id);
 });

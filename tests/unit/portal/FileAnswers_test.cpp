@@ -10,19 +10,28 @@
 
 #include "portal/LookupIface.h"
 
-TEST_CASE("a chart is a session's own when its name begins with the whole id") {
+TEST_CASE("a chart is a session's own when its name is the whole id and a random number") {
+    const std::string random = "_0123456789abcdef0123456789abcdef.json";
     const struct {
-        const char* name;
+        std::string name;
         const char* session;
         bool own;
     } cases[] = {
-        {"12_1.json", "12", true},     {"12.json", "12", true}, {"123_1.json", "12", false},
-        {"1_1.json", "12", false},     {"12", "12", false},     {"12_../x", "12", false},
-        {"../12_1.json", "12", false}, {"", "12", false},       {"_1.json", "", false},
+        {"12" + random, "12", true},
+        {"123" + random, "12", false},
+        {"1" + random, "12", false},
+        {random, "", false},
+        {"12_1.json", "12", false},
+        {"12", "12", false},
+        {"", "12", false},
+        {"12" + random + ".json", "12", false},
+        {"12_0123456789abcdef0123456789abcde/.json", "12", false},
+        {"12_../../../../../../../etc/passwd.json", "12", false},
+        {"../12" + random, "12", false},
     };
     for (const auto& c : cases) {
         CAPTURE(c.name);
-        CHECK(IsOwnChart(c.name, UString(c.session)) == c.own);
+        CHECK(IsOwnChart(c.name.c_str(), UString(c.session)) == c.own);
     }
 }
 

@@ -1,0 +1,346 @@
+#include "portal/report/LumoraReportGraphBuilder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <unordered_map>
+#include <utility>
+
+#include "portal/context/PortalContext.h"
+#include "portal/report/LumoraReportGraphHeat.h"
+#include "portal/report/ReportTotals.h"
+
+namespace {
+
+constexpr size_t kMostBars = 31;      // of labels in an order: a month of days
+constexpr size_t kMostKept = 1000;    // rows, before all but the largest are dropped
+constexpr size_t kMostKeyed = 20000;  // rows of a report with a key column
+constexpr int kChartWidth = 900;
+constexpr int kChartHeight = 320;
+
+// Neighbours differ in hue and in lightness, so that they can be told apart without colours.
+constexpr const char* kColours[] = {"#12616d", "#e8a33d", "#6b4fa0",
+                                    "#6cb8e6", "#b8442a", "#9aa7ad"};
+
+// Fields whose values stand in an order of their own.
+constexpr std::string_view kOrderedFields[] = {"day",  "date", "week",     "weekday", "month",
+                                               "year", "hour", "interval", "time"};
+
+struct KindName {
+    std::string_view name;
+    int kind;
+};
+
+bool IsSummed(const LumoraSQLColumnDescription& column) {
+    return strcmp(column.totaltype, "sum") == 0 || strcmp(column.totaltype, "count") == 0;
+}
+
+// The next word of a list, which it is taken from.
+std::string_view TakeWord(std::string_view& list, char separator) {
+    const size_t end = list.find(separator);
+    const std::string_view word = list.substr(0, end);
+    list = end == list.npos ? std::string_view() : list.substr(end + 1);
+    return word;
+}
+
+}  // namespace
+
+LumoraReportGraphBuilder::LumoraReportGraphBuilder(const LumoraReportSQLCol& columns,
+                                                   const std::vector<std::string_view>& names,
+                                                   const char* format, const char* multikeyfield)
+    : columns_(columns), names_(names.begin(), names.end()) {
+    if (multikeyfield != nullptr && *multikeyfield != '\0') key_ = Find(multikeyfield);
+    ReadFormat(format != nullptr ? format : "");
+}
+
+void LumoraReportGraphBuilder::ReadFormat(std::string_view format) {
+    constexpr KindName kKinds[] = {{"graph:none", kNone},   {"graph:bar", kBar},
+                                   {"graph:glass", kGlass}, {"graph:stack", kStack},
+                                   {"graph:line", kLine},   {"graph:pie", kPie},
+                                   {"graph:heat", kHeat}};
+    std::string_view series;
+    std::string_view label;
+    while (!format.empty()) {
+        const std::string_view word = TakeWord(format, ' ');
+        for (const KindName& each : kKinds)
+            if (word == each.name) kind_ = static_cast<Kind>(each.kind);
+        if (word.starts_with("series:")) series = word.substr(strlen("series:"));
+        if (word.starts_with("label:")) label = word.substr(strlen("label:"));
+    }
+    if (kind_ != kNone) ChooseColumns(series, label);
+}
+
+// The column of that field; its field is -1 when the result has none. Its description is null when
+// the definition does not show it.
+LumoraReportGraphBuilder::Column LumoraReportGraphBuilder::Find(std::string_view fieldname) const {
+    Column column;
+    column.field = FindResultColumn({names_.begin(), names_.end()}, fieldname);
+    if (column.field < 0) return column;
+    for (const LumoraSQLColumnDescription& each : columns_) {
+        if (strcasecmp(each.fieldname, names_[column.field].c_str()) != 0) continue;
+        column.description = &each;
+        if (!ParseReportStyle(each.style, column.style)) column.field = -1;
+        break;
+    }
+    return column;
+}
+
+void LumoraReportGraphBuilder::ChooseColumns(std::string_view series, std::string_view label) {
+    if (!label.empty()) label_ = Find(label);
+    for (const LumoraSQLColumnDescription& each : columns_) {
+        const Column column = Find(each.fieldname);
+        if (column.field < 0 || column.field == key_.field) continue;
+        if (label_.field < 0)
+            label_ = column;
+        else if (kind_ == kHeat && key_.field < 0 && column.field != label_.field)
+            key_ = column;
+    }
+    while (!series.empty()) {
+        const Column column = Find(TakeWord(series, ','));
+        const bool usable = column.field >= 0 && column.description != nullptr;
+        // One axis has one unit.
+        if (usable && (drawn_.empty() || drawn_[0].style == column.style)) drawn_.push_back(column);
+    }
+    chosenSeries_ = !drawn_.empty();
+    if (!chosenSeries_) ChooseSeries();
+    const size_t most = key_.field >= 0 ? 1 : kMostSeries;
+    if (drawn_.size() > most) drawn_.resize(most);
+    if (label_.field < 0 || (kind_ == kHeat && key_.field < 0)) drawn_.clear();
+}
+
+// The columns of that style, but for label and key: those with a sum that share a group with the
+// first of them, or the first of any.
+std::vector<LumoraReportGraphBuilder::Column> LumoraReportGraphBuilder::Where(ReportStyle style,
+                                                                              bool summed) const {
+    std::vector<Column> found;
+    for (const LumoraSQLColumnDescription& each : columns_) {
+        const Column column = Find(each.fieldname);
+        const bool taken = column.field == label_.field || column.field == key_.field;
+        if (column.field < 0 || taken || column.style != style) continue;
+        if (summed && !IsSummed(each)) continue;
+        if (!found.empty() && strcmp(found[0].description->grouptitle, each.grouptitle) != 0)
+            continue;
+        found.push_back(column);
+        if (!summed) break;
+    }
+    return found;
+}
+
+void LumoraReportGraphBuilder::ChooseSeries() {
+    constexpr struct {
+        ReportStyle style;
+        bool summed;
+    } kWishes[] = {{ReportStyle::kNumber, true}, {ReportStyle::kTime, true},
+                   {ReportStyle::kMoney, true},  {ReportStyle::kPercent, false},
+                   {ReportStyle::kTime, false},  {ReportStyle::kMoney, false},
+                   {ReportStyle::kNumber, false}};
+    for (const auto& wish : kWishes) {
+        drawn_ = Where(wish.style, wish.summed);
+        if (!drawn_.empty()) return;
+    }
+}
+
+ReportGraphValue LumoraReportGraphBuilder::ValueOf(const Column& column,
+                                                   const std::vector<std::string_view>& row) const {
+    ReportGraphValue value;
+    ReportDecimal decimal;
+    if (!ParseReportDecimal(row[column.field], decimal)) return value;
+    AppendReportDecimal(value.text, ReportStyle::kNumber, decimal);
+    value.number = static_cast<double>(decimal.units) / ReportDecimal::kScale;
+    return value;
+}
+
+void LumoraReportGraphBuilder::AddRow(const std::vector<std::string_view>& row) {
+    if (drawn_.empty() || tooMany_) return;
+    ++rows_;
+    double height = 0;
+    for (const Column& column : drawn_) {
+        ReportDecimal decimal;
+        if (!ParseReportDecimal(row[column.field], decimal)) continue;
+        const double number = static_cast<double>(decimal.units) / ReportDecimal::kScale;
+        height += number;
+        if (&column == &drawn_[0]) total_ += number;
+    }
+    if (height <= smallest_) return;
+
+    Point point{std::string(row[label_.field]), {}, {}, height};
+    if (key_.field >= 0) point.key = row[key_.field];
+    for (const Column& column : drawn_) {
+        point.values.push_back(ValueOf(column, row));
+        if (link_ != nullptr && *column.description->linkpage != '\0')
+            point.values.back().link = link_(*column.description, row);
+    }
+    points_.push_back(std::move(point));
+    if (points_.size() > (key_.field >= 0 ? kMostKeyed : kMostKept)) KeepLargest();
+}
+
+void LumoraReportGraphBuilder::KeepLargest() {
+    if (key_.field >= 0 || IsOrdered()) {
+        tooMany_ = true;
+        points_.clear();
+        return;
+    }
+    std::stable_sort(points_.begin(), points_.end(),
+                     [](const Point& a, const Point& b) { return a.height > b.height; });
+    points_.resize(kTopNames);
+    smallest_ = std::max(points_.back().height, 0.0);
+}
+
+bool LumoraReportGraphBuilder::AreSums() const {
+    return std::all_of(drawn_.begin(), drawn_.end(),
+                       [](const Column& column) { return IsSummed(*column.description); });
+}
+
+bool LumoraReportGraphBuilder::IsOrdered() const {
+    const std::string_view field = names_[label_.field];
+    return label_.style == ReportStyle::kDate ||
+           std::find(std::begin(kOrderedFields), std::end(kOrderedFields), field) !=
+               std::end(kOrderedFields);
+}
+
+ReportGraphData LumoraReportGraphBuilder::ByColumn() {
+    ReportGraphData data;
+    for (const Column& column : drawn_)
+        data.series.push_back({column.description->description, {}});
+    for (Point& point : points_) {
+        data.labels.push_back(std::move(point.label));
+        for (size_t i = 0; i < drawn_.size(); ++i)
+            data.series[i].values.push_back(std::move(point.values[i]));
+    }
+    return data;
+}
+
+ReportGraphData LumoraReportGraphBuilder::ByKey() {
+    ReportGraphData data;
+    std::unordered_map<std::string, size_t> labels;
+    std::unordered_map<std::string, size_t> keys;
+    for (Point& point : points_) {
+        const size_t label = labels.try_emplace(point.label, labels.size()).first->second;
+        if (label == data.labels.size()) data.labels.push_back(point.label);
+        const size_t key = keys.try_emplace(point.key, keys.size()).first->second;
+        if (key == data.series.size()) data.series.push_back({point.key, {}});
+        std::vector<ReportGraphValue>& values = data.series[key].values;
+        if (values.size() <= label) values.resize(label + 1);
+        values[label] = std::move(point.values[0]);
+    }
+    for (ReportGraphSeries& series : data.series)
+        series.values.resize(data.labels.size());
+    data.SortLabels();
+    return data;
+}
+
+LumoraReportGraphBuilder::Kind LumoraReportGraphBuilder::Choose(const ReportGraphData& data) const {
+    const bool several = data.series.size() > 1;
+    if (data.HasNegative()) return kBar;  // stands for no part of a whole
+    if (kind_ != kChoose) return kind_;
+    if (IsOrdered()) {
+        if (data.labels.size() > kMostBars || !AreSums()) return kLine;
+        return several ? kStack : kGlass;
+    }
+    if (!AreSums()) return several ? kBar : kGlass;
+    if (several) return kStack;
+    return data.labels.size() <= kMostSlices ? kPie : kGlass;
+}
+
+std::unique_ptr<LumoraReportGraph> LumoraReportGraphBuilder::Build(PortalContext& ctx,
+                                                                   const char* title) {
+    if (tooMany_ || rows_ < 2) return nullptr;
+    ReportGraphData data = key_.field >= 0 ? ByKey() : ByColumn();
+    if (data.labels.size() < 2 || !data.HasShape()) return nullptr;
+    for (std::string& label : data.labels)
+        if (label.empty()) label = "(none)";
+    if (kind_ == kHeat)
+        return std::make_unique<ReportHeatTable>(std::move(data), drawn_[0].style, title,
+                                                 HeadingOf(label_), HeadingOf(key_));
+    if (IsOrdered() && data.labels.size() > kMostPoints) return nullptr;
+
+    if (!chosenSeries_ && key_.field < 0 && AreSums() && (kind_ == kChoose || kind_ == kStack))
+        data.DropWhole();
+    std::string note;
+    if (data.series.size() > kMostSeries) {
+        note = "The " + std::to_string(kMostSeries) + " largest series of " +
+               std::to_string(data.series.size()) + ". ";
+        data.KeepLargestSeries(kMostSeries);
+    }
+    const Kind kind = Choose(data);
+    const uint64_t labels = key_.field >= 0 ? data.labels.size() : rows_;
+    if (kind == kPie) {
+        AddOthers(data);
+    } else if (!IsOrdered() && labels > kMostNames) {
+        data.KeepLargestLabels(kTopNames);
+        note += "The " + std::to_string(kTopNames) + " largest of " + std::to_string(labels) + ".";
+    }
+    return Draw(ctx, title, data, kind, std::move(note));
+}
+
+// Slices beyond the largest become one.
+void LumoraReportGraphBuilder::AddOthers(ReportGraphData& data) const {
+    data.series.resize(1);
+    if (rows_ <= kMostSlices) return;
+    data.KeepLargestLabels(kMostSlices - 1);
+    ReportGraphValue others;
+    others.number = total_ - data.series[0].Sum();
+    char text[32];
+    snprintf(text, sizeof text, "%.10g", others.number);
+    others.text = text;
+    data.labels.push_back("Others");
+    data.series[0].values.push_back(std::move(others));
+}
+
+std::string LumoraReportGraphBuilder::HeadingOf(const Column& column) const {
+    return column.description != nullptr ? column.description->description : names_[column.field];
+}
+
+// What the value axis counts.
+std::string LumoraReportGraphBuilder::ValueLegend(const PortalContext& ctx) const {
+    const LumoraSQLColumnDescription& first = *drawn_[0].description;
+    if (drawn_[0].style == ReportStyle::kTime) return OpenFlashGraph::kTimeLegend;
+    const bool isOneGroup = std::all_of(drawn_.begin(), drawn_.end(), [&](const Column& column) {
+        return strcmp(column.description->grouptitle, first.grouptitle) == 0;
+    });
+    std::string legend = isOneGroup ? first.grouptitle : "";
+    if (drawn_.size() == 1) legend += (legend.empty() ? "" : ": ") + std::string(first.description);
+    if (drawn_[0].style == ReportStyle::kMoney && !ctx.currency.IsEmpty())
+        legend += " (" + std::string(ctx.currency.c_str()) + ")";
+    return legend;
+}
+
+std::unique_ptr<LumoraReportGraph> LumoraReportGraphBuilder::Draw(PortalContext& ctx,
+                                                                  const char* title,
+                                                                  const ReportGraphData& data,
+                                                                  Kind kind,
+                                                                  std::string note) const {
+    auto chart = std::make_unique<OpenFlashGraph>(kChartWidth, kChartHeight, title,
+                                                  HeadingOf(label_).c_str(),
+                                                  ValueLegend(ctx).c_str(), "reportChart");
+    for (size_t i = 0; i < data.series.size(); ++i) {
+        const ReportGraphSeries& from = data.series[i];
+        OpenFlashGraphDataSeries& series =
+            chart->AddDataSeries(std::make_unique<OpenFlashGraphDataSeries>(
+                from.name.c_str(), kColours[i % std::size(kColours)], SeriesType(kind)));
+        for (size_t at = 0; at < data.labels.size(); ++at) {
+            const ReportGraphValue& value = from.values[at];
+            // A line has a gap where a bar has no height.
+            const char* none = kind == kLine ? "" : "0";
+            series.AddValue(value.text.empty() ? none : value.text.c_str(), data.labels[at].c_str(),
+                            /*isNumber=*/true);
+            if (!value.link.empty()) series.SetLink(static_cast<int>(at), value.link.c_str());
+        }
+    }
+    return std::make_unique<ReportChart>(std::move(chart), std::move(note));
+}
+
+const char* LumoraReportGraphBuilder::SeriesType(Kind kind) {
+    switch (kind) {
+        case kLine:
+            return "line";
+        case kPie:
+            return "pie";
+        case kStack:
+            return "bar_stack";
+        case kGlass:
+            return "bar_glass";
+        default:
+            return "bar_filled";
+    }
+}
