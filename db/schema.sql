@@ -147,9 +147,17 @@ CREATE TABLE IF NOT EXISTS CallLog (
     KEY id (id),
     KEY confId (confId),
     KEY B_Num (customerid, B_Num, gmtdatetime),
-    KEY targetNumber (customerid, targetNumber)         -- which numbers there are
+    KEY targetNumber (customerid, targetNumber),        -- which numbers there are
+    KEY A_Name (customerid, A_Name, gmtdatetime),       -- one person's calls
+    KEY B_Name (customerid, B_Name, gmtdatetime),
+    KEY B_RemoteName (customerid, B_RemoteName, gmtdatetime)
 );
-ALTER TABLE CallLog ADD KEY IF NOT EXISTS targetNumber (customerid, targetNumber);
+-- For databases from before these keys.
+ALTER TABLE CallLog
+    ADD KEY IF NOT EXISTS A_Name (customerid, A_Name, gmtdatetime),
+    ADD KEY IF NOT EXISTS B_Name (customerid, B_Name, gmtdatetime),
+    ADD KEY IF NOT EXISTS B_RemoteName (customerid, B_RemoteName, gmtdatetime),
+    ADD KEY IF NOT EXISTS targetNumber (customerid, targetNumber);
 
 CREATE TABLE IF NOT EXISTS CallLogGroup (
     group_id    INT NOT NULL AUTO_INCREMENT,
