@@ -237,6 +237,66 @@ CREATE TABLE IF NOT EXISTS CallReportQuickReport (
     KEY customerId (customerId, ContactId)
 );
 
+-- What a dialled number's beginning stands for; the longest beginning that fits counts. customerid
+-- 0: for every customer, behind the international prefix 00, as the ITU's list of E.164 country
+-- codes assigns them. A customer's own rows name its national prefixes and stand above these.
+CREATE TABLE IF NOT EXISTS DiallingPrefix (
+    customerid INT NOT NULL DEFAULT 0,
+    prefix     VARCHAR(7) NOT NULL,
+    name       VARCHAR(64) NOT NULL,
+    PRIMARY KEY (prefix, customerid)
+);
+INSERT IGNORE INTO DiallingPrefix (customerid, prefix, name) VALUES
+    (0, '00', 'International, other'), (0, '001', 'North America'), (0, '0020', 'Egypt'),
+    (0, '00212', 'Morocco'), (0, '00213', 'Algeria'), (0, '00216', 'Tunisia'),
+    (0, '00218', 'Libya'), (0, '00220', 'Gambia'), (0, '00221', 'Senegal'),
+    (0, '00225', 'Côte d''Ivoire'), (0, '00230', 'Mauritius'), (0, '00233', 'Ghana'),
+    (0, '00234', 'Nigeria'), (0, '00237', 'Cameroon'), (0, '00243', 'Congo (Democratic Republic)'),
+    (0, '00244', 'Angola'), (0, '00248', 'Seychelles'), (0, '00249', 'Sudan'),
+    (0, '00250', 'Rwanda'), (0, '00251', 'Ethiopia'), (0, '00254', 'Kenya'),
+    (0, '00255', 'Tanzania'), (0, '00256', 'Uganda'), (0, '00258', 'Mozambique'),
+    (0, '00260', 'Zambia'), (0, '00263', 'Zimbabwe'), (0, '00264', 'Namibia'),
+    (0, '00265', 'Malawi'), (0, '00267', 'Botswana'), (0, '0027', 'South Africa'),
+    (0, '00298', 'Faroe Islands'), (0, '00299', 'Greenland'), (0, '0030', 'Greece'),
+    (0, '0031', 'Netherlands'), (0, '0032', 'Belgium'), (0, '0033', 'France'),
+    (0, '0034', 'Spain'), (0, '00350', 'Gibraltar'), (0, '00351', 'Portugal'),
+    (0, '00352', 'Luxembourg'), (0, '00353', 'Ireland'), (0, '00354', 'Iceland'),
+    (0, '00355', 'Albania'), (0, '00356', 'Malta'), (0, '00357', 'Cyprus'),
+    (0, '00358', 'Finland'), (0, '00359', 'Bulgaria'), (0, '0036', 'Hungary'),
+    (0, '00370', 'Lithuania'), (0, '00371', 'Latvia'), (0, '00372', 'Estonia'),
+    (0, '00373', 'Moldova'), (0, '00374', 'Armenia'), (0, '00375', 'Belarus'),
+    (0, '00376', 'Andorra'), (0, '00377', 'Monaco'), (0, '00378', 'San Marino'),
+    (0, '00380', 'Ukraine'), (0, '00381', 'Serbia'), (0, '00382', 'Montenegro'),
+    (0, '00383', 'Kosovo'), (0, '00385', 'Croatia'), (0, '00386', 'Slovenia'),
+    (0, '00387', 'Bosnia and Herzegovina'), (0, '00389', 'North Macedonia'), (0, '0039', 'Italy'),
+    (0, '0040', 'Romania'), (0, '0041', 'Switzerland'), (0, '00420', 'Czechia'),
+    (0, '00421', 'Slovakia'), (0, '00423', 'Liechtenstein'), (0, '0043', 'Austria'),
+    (0, '0044', 'United Kingdom'), (0, '0045', 'Denmark'), (0, '0046', 'Sweden'),
+    (0, '0047', 'Norway'), (0, '0048', 'Poland'), (0, '0049', 'Germany'), (0, '00501', 'Belize'),
+    (0, '00502', 'Guatemala'), (0, '00503', 'El Salvador'), (0, '00504', 'Honduras'),
+    (0, '00505', 'Nicaragua'), (0, '00506', 'Costa Rica'), (0, '00507', 'Panama'),
+    (0, '0051', 'Peru'), (0, '0052', 'Mexico'), (0, '0053', 'Cuba'), (0, '0054', 'Argentina'),
+    (0, '0055', 'Brazil'), (0, '0056', 'Chile'), (0, '0057', 'Colombia'), (0, '0058', 'Venezuela'),
+    (0, '00591', 'Bolivia'), (0, '00593', 'Ecuador'), (0, '00595', 'Paraguay'),
+    (0, '00598', 'Uruguay'), (0, '0060', 'Malaysia'), (0, '0061', 'Australia'),
+    (0, '0062', 'Indonesia'), (0, '0063', 'Philippines'), (0, '0064', 'New Zealand'),
+    (0, '0065', 'Singapore'), (0, '0066', 'Thailand'), (0, '00673', 'Brunei'),
+    (0, '00675', 'Papua New Guinea'), (0, '00679', 'Fiji'), (0, '007', 'Russia and Kazakhstan'),
+    (0, '00800', 'International freephone'), (0, '0081', 'Japan'), (0, '0082', 'South Korea'),
+    (0, '0084', 'Vietnam'), (0, '00852', 'Hong Kong'), (0, '00853', 'Macao'),
+    (0, '00855', 'Cambodia'), (0, '00856', 'Laos'), (0, '0086', 'China'),
+    (0, '00870', 'Satellite (Inmarsat)'), (0, '00880', 'Bangladesh'),
+    (0, '00881', 'Satellite (mobile)'), (0, '00886', 'Taiwan'), (0, '0090', 'Turkey'),
+    (0, '0091', 'India'), (0, '0092', 'Pakistan'), (0, '0093', 'Afghanistan'),
+    (0, '0094', 'Sri Lanka'), (0, '0095', 'Myanmar'), (0, '00960', 'Maldives'),
+    (0, '00961', 'Lebanon'), (0, '00962', 'Jordan'), (0, '00963', 'Syria'), (0, '00964', 'Iraq'),
+    (0, '00965', 'Kuwait'), (0, '00966', 'Saudi Arabia'), (0, '00967', 'Yemen'),
+    (0, '00968', 'Oman'), (0, '00970', 'Palestine'), (0, '00971', 'United Arab Emirates'),
+    (0, '00972', 'Israel'), (0, '00973', 'Bahrain'), (0, '00974', 'Qatar'), (0, '00975', 'Bhutan'),
+    (0, '00976', 'Mongolia'), (0, '00977', 'Nepal'), (0, '0098', 'Iran'),
+    (0, '00992', 'Tajikistan'), (0, '00993', 'Turkmenistan'), (0, '00994', 'Azerbaijan'),
+    (0, '00995', 'Georgia'), (0, '00996', 'Kyrgyzstan'), (0, '00998', 'Uzbekistan');
+
 -- One row a calendar day, so that reports can enumerate the days of a period.
 CREATE TABLE IF NOT EXISTS LkupDates (
     gmtdatetime DATETIME NOT NULL,
@@ -457,10 +517,12 @@ CREATE TABLE IF NOT EXISTS FrontMessage (
     createdAt  TIMESTAMP(3) NOT NULL DEFAULT CURRENT_TIMESTAMP(3),
     fromHandle VARCHAR(1024) NOT NULL DEFAULT '',
     toHandle   VARCHAR(1024) NOT NULL DEFAULT '',
-    author     VARCHAR(64) NOT NULL DEFAULT '',         -- a teammate's id
+    author     VARCHAR(64) NOT NULL DEFAULT '',         -- a teammate's id; '': from outside
+    inboxid    VARCHAR(64) NOT NULL DEFAULT '',
     PRIMARY KEY (id),
     KEY createdAt (customerid, createdAt)
 );
+ALTER TABLE FrontMessage ADD COLUMN IF NOT EXISTS inboxid VARCHAR(64) NOT NULL DEFAULT '';
 
 CREATE TABLE IF NOT EXISTS FrontTeammate (
     id         VARCHAR(64) NOT NULL,
@@ -484,6 +546,14 @@ CREATE TABLE IF NOT EXISTS FrontTag (
     name       VARCHAR(128) NOT NULL DEFAULT '',
     PRIMARY KEY (id),
     KEY customerid (customerid, name)
+);
+
+-- The tags of each conversation.
+CREATE TABLE IF NOT EXISTS FrontConversationTag (
+    customerid INT NOT NULL,
+    convid     VARCHAR(64) NOT NULL,
+    tagid      VARCHAR(64) NOT NULL,
+    PRIMARY KEY (customerid, convid, tagid)
 );
 
 CREATE TABLE IF NOT EXISTS FrontSLAs (

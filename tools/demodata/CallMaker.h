@@ -20,9 +20,21 @@ class CallMaker {
     const std::vector<Leg>& Make(int64_t start, Random& random);
 
   private:
+    // Somebody who hung up is called back, or tries again.
+    struct FollowUp {
+        int64_t due;
+        bool calledBack;
+        Party caller;
+        const Department* department;
+    };
+
     Leg& NewLeg(int64_t start);
+    bool MakeFollowUp(int64_t start, Random& random);
+    void PlanFollowUp(const Department& department, Random& random);
+    void InboundTo(const Department& department, Random& random);
     void Inbound(int64_t start, Random& random);
     void Outbound(int64_t start, Random& random);
+    void Dial(Leg& leg, Random& random);
     void Internal(int64_t start, Random& random);
     void TieLine(int64_t start, Random& random);
     void CollectVoicemail(int64_t start, Random& random);
@@ -33,6 +45,7 @@ class CallMaker {
     void SystemLeg(const Leg& of, int64_t start, TransferCall transfer, const char* service);
     void MaybeTransfer(const Person& from, Random& random, double probability);
     void TransferTo(const Person& person, Random& random);
+    void DivertOutside(const Person& person, Random& random);
 
     const Person& AnyPerson(Random& random) const;
     const Person& Colleague(const Person& of, Random& random) const;
@@ -44,6 +57,7 @@ class CallMaker {
     std::vector<const Department*> queues_;
     std::vector<const Department*> others_;
     const Trunk* tie_ = nullptr;
+    std::vector<FollowUp> followUps_;
     std::vector<Leg> legs_;
 };
 

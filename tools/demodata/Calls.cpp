@@ -1,6 +1,7 @@
 #include "tools/demodata/Calls.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "tools/demodata/CallMaker.h"
 #include "tools/demodata/Random.h"
@@ -15,7 +16,6 @@ const char kCallColumns[] =
 
 namespace {
 
-constexpr int kDays = 91;
 constexpr int kSecondsPerDay = 86400;
 constexpr int64_t kProgressStep = 500000;
 
@@ -24,18 +24,12 @@ constexpr double kHourWeights[24] = {0.2, 0.1, 0.1, 0.1, 0.1, 0.2, 0.5, 2,   6, 
 // Thursday first: 1970-01-01 was one.
 constexpr double kWeekdayWeights[7] = {1.0, 0.92, 0.16, 0.06, 1.12, 1.05, 1.02};
 
-// Mixes the parts of a name for a random stream, so that one day does not depend on another.
-uint64_t StreamSeed(uint64_t seed, int companyId, int64_t day) {
-    Random mixer(seed ^ (static_cast<uint64_t>(companyId) << 48) ^ static_cast<uint64_t>(day));
-    return mixer.Next();
-}
-
 // How many of a company's calls fall on each of its days.
 std::vector<int64_t> CallsByDay(int64_t calls, const Company& company, const CallOptions& options) {
     std::vector<double> sums;
     double sum = 0;
-    for (int i = 0; i < kDays; ++i) {
-        const int64_t day = options.lastDay - kDays + 1 + i;
+    for (int i = 0; i < kCallDays; ++i) {
+        const int64_t day = options.lastDay - kCallDays + 1 + i;
         Random random(StreamSeed(~options.seed, company.id, day));
         sum += kWeekdayWeights[day % 7] * (0.92 + 0.16 * random.Unit());
         sums.push_back(sum);
@@ -50,8 +44,18 @@ std::vector<int64_t> CallsByDay(int64_t calls, const Company& company, const Cal
     return result;
 }
 
-// A day's starting times in seconds since midnight, in order.
-std::vector<int> StartTimes(int64_t calls, Random& random) {
+// European clocks change in the first hours of the last Sunday of March and of October.
+bool ClocksChange(int64_t day) {
+    using namespace std::chrono;
+    const sys_days when{days(day)};
+    const year_month_day date(when);
+    return weekday(when) == Sunday && (date.month() == March || date.month() == October) &&
+           static_cast<unsigned>(date.day()) >= 25;
+}
+
+// A day's starting times in seconds since midnight, in order. A few calls lie where clocks and
+// calendars are awkward: in the hours that a change of the clocks repeats, and around midnight.
+std::vector<int> StartTimes(int64_t calls, bool clocksChange, Random& random) {
     double total = 0;
     for (const double weight : kHourWeights)
         total += weight;
@@ -64,18 +68,24 @@ std::vector<int> StartTimes(int64_t calls, Random& random) {
         const double part = std::min(left / kHourWeights[hour], 1.0);
         time = hour * 3600 + std::min(static_cast<int>(part * 3600), 3599);
     }
+    const size_t night = clocksChange ? std::min<size_t>(times.size() / 2, 12) : 0;
+    for (size_t i = 0; i < night; ++i)
+        times[i] = 300 + 600 * static_cast<int>(i);
+    if (times.size() > 20) times.back() = kSecondsPerDay - random.Between(1, 240);
     std::sort(times.begin(), times.end());
     return times;
 }
 
-int64_t WriteLegs(const std::vector<Leg>& legs, const Company& company, int64_t now,
-                  TsvFile& file) {
+int64_t WriteLegs(const std::vector<Leg>& legs, const Company& company, int64_t now, TsvFile& file,
+                  AgentLog& agents) {
     int64_t end = 0;
     for (const Leg& leg : legs)
         end = std::max(end, leg.End());
     if (end > now) return 0;
-    for (const Leg& leg : legs)
+    for (const Leg& leg : legs) {
         leg.Write(company.id, file);
+        agents.Add(leg);
+    }
     return static_cast<int64_t>(legs.size());
 }
 
@@ -94,7 +104,7 @@ std::vector<int64_t> CallsByCompany(const std::vector<Company>& companies, int64
 }  // namespace
 
 int64_t WriteCalls(const std::vector<Company>& companies, const CallOptions& options, TsvFile& file,
-                   const std::function<void(int64_t)>& progress) {
+                   AgentLog& agents, const std::function<void(int64_t)>& progress) {
     const std::vector<int64_t> byCompany = CallsByCompany(companies, options.calls);
     int64_t nextId = 1;
     int64_t rows = 0;
@@ -102,16 +112,20 @@ int64_t WriteCalls(const std::vector<Company>& companies, const CallOptions& opt
     for (size_t c = 0; c < companies.size(); ++c) {
         const Company& company = companies[c];
         CallMaker maker(company, nextId);
+        agents.BeginCompany(company);
         const std::vector<int64_t> byDay = CallsByDay(byCompany[c], company, options);
-        for (int i = 0; i < kDays; ++i) {
-            const int64_t day = options.lastDay - kDays + 1 + i;
+        for (int i = 0; i < kCallDays; ++i) {
+            const int64_t day = options.lastDay - kCallDays + 1 + i;
             Random random(StreamSeed(options.seed, company.id, day));
-            for (const int time : StartTimes(byDay[static_cast<size_t>(i)], random)) {
+            for (const int time :
+                 StartTimes(byDay[static_cast<size_t>(i)], ClocksChange(day), random)) {
                 rows += WriteLegs(maker.Make(day * kSecondsPerDay + time, random), company,
-                                  options.now, file);
+                                  options.now, file, agents);
                 if (++done % kProgressStep == 0) progress(done);
             }
+            agents.EndDay(day);
         }
+        agents.EndCompany();
     }
     return rows;
 }

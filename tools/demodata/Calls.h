@@ -5,10 +5,13 @@
 #include <functional>
 #include <vector>
 
+#include "tools/demodata/AgentLog.h"
 #include "tools/demodata/Company.h"
 #include "tools/demodata/Tsv.h"
 
 namespace demodata {
+
+constexpr int kCallDays = 91;
 
 struct CallOptions {
     int64_t calls;  // of all companies together; a call with transfers has several rows
@@ -21,9 +24,9 @@ struct CallOptions {
 extern const char kCallColumns[];
 
 // Writes the calls company by company and day by day, so that memory does not grow with their
-// number and rows arrive in the order of the table's primary key. Tells the calls done so far
-// now and then. Returns the number of rows.
+// number and rows arrive in the order of the table's primary key; the agents' log follows them.
+// Tells the calls done so far now and then. Returns the number of rows.
 int64_t WriteCalls(const std::vector<Company>& companies, const CallOptions& options, TsvFile& file,
-                   const std::function<void(int64_t)>& progress);
+                   AgentLog& agents, const std::function<void(int64_t)>& progress);
 
 }  // namespace demodata

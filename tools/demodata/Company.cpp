@@ -48,19 +48,34 @@ std::vector<CompanyPlan> Plans() {
          0.95,
          2001,
          "01632960",
-         {{"Sales", 8, true},       {"Support", 8, true},          {"Service Desk", 7, true},
-          {"Orders", 6, true},      {"Credit Control", 6, true},   {"Spares", 5, true},
-          {"Reception", 4, false},  {"Accounts", 9, false},        {"Marketing", 7, false},
-          {"Purchasing", 7, false}, {"Production", 12, false},     {"Quality", 8, false},
-          {"Logistics", 9, false},  {"Human Resources", 6, false}, {"R&D <Labs>", 14, false},
-          {"Legal", 4, false},      {"Facilities", 8, false},      {"Export", 7, false},
-          {"Training", 9, false},   {"Board Office", 6, false}},
+         {{"Sales", 8, true},
+          {"Support", 8, true},
+          {"Service Desk", 7, true},
+          {"Orders", 6, true},
+          {"Credit Control", 6, true},
+          {"Spares", 5, true},
+          {"Reception", 4, false},
+          {"Accounts", 9, false},
+          {"Marketing", 7, false},
+          {"Purchasing", 7, false},
+          {"Production", 12, false},
+          {"Quality", 8, false},
+          {"Logistics", 9, false},
+          {"Human Resources", 6, false},
+          {"R&D <Labs>", 14, false},
+          {"Legal", 4, false},
+          {"Facilities", 8, false},
+          {"Export", 7, false},
+          {"Training", 9, false},
+          {"Board Office", 6, false},
+          {"Returns [50% off]", 5, false},
+          {"People's <Desk>", 4, false}},
          commonFirst,
          {"Ashworth", "Barlow",   "Coates", "Dunmore", "Ellwood", "Farrow",  "Gresham",
           "Hartley",  "Ibbotson", "Jessop", "Kettle",  "Lomax",   "Mallory", "Naylor",
           "Openshaw", "Peverell", "Quayle", "Rudd",    "Sugden",  "Thackray"},
          {"Áine O'Brien", "Siân Pryce-Jones", "Eve </td> Marsh", "Percy 100%s Dunn",
-          "Tom \"Ace\" Tate", "Jürgen Groß"},
+          "Tom \"Ace\" Tate", "Jürgen Groß", "Ola [Temp] Nyström"},
          "R&D <Labs>"},
         {2,
          0,
@@ -133,10 +148,12 @@ std::string NewName(const CompanyPlan& plan, Random& random, std::set<std::strin
     }
 }
 
-void AddPeople(const CompanyPlan& plan, Company& company) {
+// The agents' ids begin at `firstAgent`; returns the next free one.
+int AddPeople(const CompanyPlan& plan, Company& company, int firstAgent) {
     Random random(static_cast<uint64_t>(plan.id));
     std::set<std::string> taken;
     int extension = plan.firstExtension;
+    int agents = 0;
     for (size_t d = 0; d < plan.departments.size(); ++d) {
         Department& department = company.departments[d];
         const bool special = department.name == plan.specialDepartment;
@@ -148,10 +165,11 @@ void AddPeople(const CompanyPlan& plan, Company& company) {
             department.people.push_back(company.people.size());
             company.people.push_back({name, number, OutsideNumber(plan.outsidePrefix, extension),
                                       MakeGuid(company.name + "/user/" + number), d,
-                                      department.queue});
+                                      department.queue ? firstAgent + agents++ : 0});
             ++extension;
         }
     }
+    return firstAgent + agents;
 }
 
 void AddDepartments(const CompanyPlan& plan, Company& company) {
@@ -177,7 +195,9 @@ void AddOutside(Company& company) {
     const char* const names[] = {"O'Neil & Sons",    "Carrow Supplies",  "Delft\\Haven Freight",
                                  "Harlow Plastics",  "Kingsway Garage",  "Lindqvist Möbel",
                                  "Moss Street Bank", "Redwood Catering", "Stanway Print",
-                                 "Tidewell Dental",  "Upton Couriers",   "\"Zenith\" Cleaning"};
+                                 "Tidewell Dental",  "Upton Couriers",   "\"Zenith\" Cleaning",
+                                 "Müller & Söhne",   "\"50% off\" shop", "<Sales> Direct",
+                                 "[Depot] Nord",     "Chloé's Café"};
     int number = 100;
     for (const char* name : names) {
         company.contacts.push_back({name, "0207946" + std::to_string(number * 10 + company.id)});
@@ -204,6 +224,7 @@ std::string MakeGuid(const std::string& words) {
 
 std::vector<Company> MakeCompanies() {
     std::vector<Company> companies;
+    int nextAgent = 1;
     for (const CompanyPlan& plan : Plans()) {
         Company company{plan.id,
                         plan.parentId,
@@ -217,7 +238,7 @@ std::vector<Company> MakeCompanies() {
                         {},
                         {}};
         AddDepartments(plan, company);
-        AddPeople(plan, company);
+        nextAgent = AddPeople(plan, company, nextAgent);
         AddOutside(company);
         companies.push_back(std::move(company));
     }

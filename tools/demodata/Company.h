@@ -14,7 +14,7 @@ struct Person {
     std::string ddi;     // the same telephone seen from outside
     std::string guid;
     size_t department;  // index in Company::departments; a person belongs to one
-    bool agent = false;
+    int agentId = 0;    // 0: no agent of the contact centre; unique over all companies
 };
 
 struct Department {

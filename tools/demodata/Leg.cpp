@@ -1,25 +1,10 @@
 #include "tools/demodata/Leg.h"
 
-#include <chrono>
 #include <cstdio>
 
 namespace demodata {
 
 namespace {
-
-std::string_view Stamp(int64_t seconds, char (&text)[48]) {
-    using namespace std::chrono;
-    const sys_seconds when{std::chrono::seconds(seconds)};
-    const sys_days day = floor<days>(when);
-    const year_month_day date(day);
-    const hh_mm_ss clock(when - day);
-    const int size = std::snprintf(
-        text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-        static_cast<int>(clock.seconds().count()));
-    return {text, static_cast<size_t>(size)};
-}
 
 // Ids are unique over all customers, so the text is too.
 std::string_view ConfId(int64_t id, char (&text)[24]) {
@@ -53,11 +38,10 @@ void Leg::Service(const char* service, const char* name, int seconds) {
 }
 
 void Leg::Write(int customerId, TsvFile& file) const {
-    char stamp[48];
     char conf[24];
     char nextConf[24];
     char money[32];
-    file.Number(id).Number(customerId).Plain(Stamp(start, stamp));
+    file.Number(id).Number(customerId).Stamp(start);
     file.Plain(ConfId(id, conf)).Plain(ConfId(transferTo, nextConf)).Number(transfer);
     file.Text(a.number).Text(a.name).Text(a.shortNumber).Text(a.trunk).Number(a.out);
     file.Text(b.number).Text(b.name).Text(b.shortNumber).Text(remote).Text(remoteName);

@@ -11,24 +11,11 @@ namespace demodata {
 
 namespace {
 
-// Opens tables one after the other and tells the load script of each.
-class TableSet {
-  public:
-    TableSet(const std::string& folder, LoadScript& script) : folder_(folder), script_(script) {}
-
-    // Fills one table: `fill` gets the open file and writes the rows.
-    template <typename Fill>
-    void Table(const char* name, const char* columns, Fill fill) {
-        TsvFile file(folder_, name);
-        fill(file);
-        file.Finish();
-        script_.Add(name, columns);
-    }
-
-  private:
-    std::string folder_;
-    LoadScript& script_;
-};
+int UserId(const char* name) {
+    for (const PortalUser& user : PortalUsers())
+        if (user.name == name) return user.id;
+    throw std::logic_error("no such demo user");
+}
 
 bool HasCallServer(const Company& company) {
     return company.parentId == 0;
@@ -101,13 +88,8 @@ void WriteUsers(const std::vector<Company>& companies, TableSet& tables) {
 }
 
 void WritePermissions(const Company& company, TableSet& tables) {
-    const auto idOf = [](const char* name) {
-        for (const PortalUser& user : PortalUsers())
-            if (user.name == name) return user.id;
-        throw std::logic_error("no such demo user");
-    };
-    const int restricted = idOf("restricted");
-    const int supervisor = idOf("supervisor");
+    const int restricted = UserId("restricted");
+    const int supervisor = UserId("supervisor");
     tables.Table("CallLogPermissions",
                  "contactid, customerid, type, entityNumber, logging, "
                  "queue, agent",
@@ -128,7 +110,91 @@ void WritePermissions(const Company& company, TableSet& tables) {
                              if (managed) add(supervisor, "User", person.number, {0, 0, 1});
                          }
                      }
+                     add(restricted, "Inbox", kRestrictedInbox, {1, 0, 0});
                  });
+}
+
+// What the beginnings of national numbers stand for.
+void WritePrefixes(const std::vector<Company>& companies, TableSet& tables) {
+    const std::array<std::array<const char*, 2>, 8> prefixes = {{{"01", "National"},
+                                                                 {"02", "National"},
+                                                                 {"01632", "Local"},
+                                                                 {"020", "London"},
+                                                                 {"03", "Non-geographic"},
+                                                                 {"07", "Mobile"},
+                                                                 {"080", "Freephone"},
+                                                                 {"084", "Special rate"}}};
+    tables.Table(
+        "DiallingPrefix", "customerid, prefix, name",
+        [&](TsvFile& file) {
+            for (const Company& c : companies)
+                for (const auto& prefix : prefixes)
+                    file.Number(c.id).Plain(prefix[0]).Text(prefix[1]).EndRow();
+        },
+        /*replaced=*/"customerid <> 0");
+}
+
+// A reporting group's members by name: departments, users or other groups.
+struct GroupPlan {
+    int id;
+    int owner;  // a portal user's id; 0: everyone's
+    const char* name;
+    char type;  // D, U or G
+    std::vector<const char*> members;
+};
+
+void WriteGroups(const Company& company, TableSet& tables) {
+    const std::vector<GroupPlan> groups = {
+        {1, 0, "Front Office", 'D', {"Sales", "Support", "Orders", "Reception"}},
+        {2, 0, "Back Office", 'D', {"Accounts", "Legal", "People's <Desk>"}},
+        {3, 0, "Whole House [all]", 'G', {"Front Office", "Back Office"}},
+        {4, UserId("manager"), "Morgan's people", 'U', {"Áine O'Brien", "Percy 100%s Dunn"}},
+        {5, UserId("admin"), "Alex's people", 'U', {"Eve </td> Marsh"}},
+        {6, 0, "Nobody yet", 'U', {}},
+    };
+    tables.Table("CallLogGroup", "group_id, group_name, customer_id, contactid",
+                 [&](TsvFile& file) {
+                     for (const GroupPlan& group : groups) {
+                         file.Number(group.id).Text(group.name).Number(company.id);
+                         file.Number(group.owner).EndRow();
+                     }
+                 });
+    tables.Table("CallLogGroupMembers", "group_id, member_name, member_number, guid, type",
+                 [&](TsvFile& file) {
+                     const auto add = [&](const GroupPlan& group, const std::string& name,
+                                          const std::string& number, const std::string& guid) {
+                         file.Number(group.id).Text(name).Text(number).Text(guid);
+                         file.Plain({&group.type, 1}).EndRow();
+                     };
+                     for (const GroupPlan& group : groups)
+                         for (const std::string member : group.members) {
+                             if (group.type == 'G') add(group, member, "", "");
+                             for (const Department& d : company.departments)
+                                 if (group.type == 'D' && d.name == member)
+                                     add(group, d.name, d.number, d.guid);
+                             for (const Person& p : company.people)
+                                 if (group.type == 'U' && p.name == member)
+                                     add(group, p.name, p.number, p.guid);
+                         }
+                 });
+}
+
+void WriteSavedReports(const Company& company, TableSet& tables) {
+    const int manager = UserId("manager");
+    const struct {
+        const char* name;
+        const char* url;
+    } saved[] = {
+        {"Last month by department",
+         "report=callsbydept&reportPeriod=lastmonth&submit=Generate%20Report"},
+        {"Sales & Support: this week's calls, 9 to 5",
+         "report=callsbyday&reportPeriod=thisweek&begintime=0900&endtime=1700&searchtype=dept"
+         "&suggest1=Sales&submit=Generate%20Report"},
+    };
+    tables.Table("CallReportQuickReport", "customerId, ContactId, url, name", [&](TsvFile& file) {
+        for (const auto& report : saved)
+            file.Number(company.id).Number(manager).Text(report.url).Text(report.name).EndRow();
+    });
 }
 
 void WriteDirectory(const std::vector<Company>& companies, TableSet& tables) {
@@ -154,26 +220,6 @@ void WriteDirectory(const std::vector<Company>& companies, TableSet& tables) {
     });
 }
 
-void WriteContactCentre(const std::vector<Company>& companies, TableSet& tables) {
-    tables.Table("CallCentreQueue", "customerid, queueName, queueNumber, queueGuid, priority",
-                 [&](TsvFile& file) {
-                     for (const Company& c : companies)
-                         for (const Department& d : c.departments) {
-                             if (!d.queue) continue;
-                             file.Number(c.id).Text(d.name).Text(d.number).Text(d.guid).Number(5);
-                             file.EndRow();
-                         }
-                 });
-    tables.Table("CallCentreAgent", "customerid, agentName, agentNumber, agentGuid",
-                 [&](TsvFile& file) {
-                     for (const Company& c : companies)
-                         for (const Person& p : c.people) {
-                             if (!p.agent) continue;
-                             file.Number(c.id).Text(p.name).Text(p.number).Text(p.guid).EndRow();
-                         }
-                 });
-}
-
 }  // namespace
 
 void WritePortalTables(const std::vector<Company>& companies, const std::string& folder,
@@ -183,7 +229,9 @@ void WritePortalTables(const std::vector<Company>& companies, const std::string&
     WriteUsers(companies, tables);
     WritePermissions(companies.front(), tables);
     WriteDirectory(companies, tables);
-    WriteContactCentre(companies, tables);
+    WritePrefixes(companies, tables);
+    WriteGroups(companies.front(), tables);
+    WriteSavedReports(companies.front(), tables);
 
     const mode_t before = umask(0077);
     TsvFile users(folder, "demo-users");

@@ -35,4 +35,11 @@ class Random {
     uint64_t state_;
 };
 
+// Mixes the parts of a name for a random stream, so that one company's day does not depend on
+// another.
+inline uint64_t StreamSeed(uint64_t seed, int companyId, int64_t day) {
+    Random mixer(seed ^ (static_cast<uint64_t>(companyId) << 48) ^ static_cast<uint64_t>(day));
+    return mixer.Next();
+}
+
 }  // namespace demodata

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cstring>
 #include <stdexcept>
 
@@ -57,6 +58,30 @@ TsvFile& TsvFile::Null() {
     return Plain("\\N");
 }
 
+TsvFile& TsvFile::Stamp(int64_t seconds) {
+    using namespace std::chrono;
+    const sys_seconds when{std::chrono::seconds(seconds)};
+    const sys_days day = floor<days>(when);
+    const year_month_day date(day);
+    const hh_mm_ss clock(when - day);
+    char text[48];
+    const int size = std::snprintf(
+        text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count()));
+    return Plain({text, static_cast<size_t>(size)});
+}
+
+TsvFile& TsvFile::StampMs(int64_t milliseconds) {
+    Stamp(milliseconds / 1000);
+    char text[8];
+    const int size =
+        std::snprintf(text, sizeof text, ".%03d", static_cast<int>(milliseconds % 1000));
+    buffer_.append(text, static_cast<size_t>(size));
+    return *this;
+}
+
 void TsvFile::EndRow() {
     buffer_ += '\n';
     rowStarted_ = false;
@@ -84,7 +109,9 @@ void LoadScript::Write(const std::string& folder) const {
         "SET time_zone = '+00:00';\n"
         "SET unique_checks = 0, foreign_key_checks = 0;\n";
     for (const Table& table : tables_) {
-        text += "TRUNCATE TABLE " + table.name + ";\n";
+        text += table.replaced.empty()
+                    ? "TRUNCATE TABLE " + table.name + ";\n"
+                    : "DELETE FROM " + table.name + " WHERE " + table.replaced + ";\n";
         text += "LOAD DATA LOCAL INFILE '" + table.name + ".tsv' INTO TABLE " + table.name +
                 " CHARACTER SET utf8mb4\n    (" + table.columns + ");\n";
     }

@@ -12,6 +12,7 @@ namespace demodata {
 
 const std::array<const char*, 2> kRestrictedDepartments = {"Support", "R&D <Labs>"};
 const std::array<const char*, 2> kSupervisedQueues = {"Sales", "Support"};
+const char kRestrictedInbox[] = "inb_1a";
 
 std::string PortalUser::PasswordHash() const {
     // Hexadecimal digits are all in bcrypt's alphabet; the last one is chosen from those that
@@ -44,7 +45,7 @@ const std::vector<PortalUser>& PortalUsers() {
          "Morgan Manager",
          "manager, sees every call; no time zone of their own",
          managerRights,
-         {}},
+         {{"myreport", "callsbyday"}, {"myreport", "unanswered"}}},
         {3,
          1,
          "supervisor",

@@ -26,5 +26,7 @@ const std::vector<PortalUser>& PortalUsers();
 // The department names that `restricted` may see, and the queues that `supervisor` manages.
 extern const std::array<const char*, 2> kRestrictedDepartments;
 extern const std::array<const char*, 2> kSupervisedQueues;
+// The id of the one inbox that `restricted` may see.
+extern const char kRestrictedInbox[];
 
 }  // namespace demodata

@@ -14,9 +14,12 @@
 #include <stdexcept>
 #include <string>
 
+#include "tools/demodata/AgentLog.h"
 #include "tools/demodata/Calls.h"
 #include "tools/demodata/Company.h"
+#include "tools/demodata/ContactCentre.h"
 #include "tools/demodata/Directory.h"
+#include "tools/demodata/Inbox.h"
 #include "tools/demodata/PortalTables.h"
 #include "tools/demodata/Tsv.h"
 
@@ -27,7 +30,7 @@ constexpr char kUsage[] =
     "Writes DIR/<table>.tsv, DIR/load.sql, which loads them, DIR/demo-users.tsv: user name,\n"
     "password, purpose, and DIR/directory.ldif, which directoryd begins with. N calls (200000) of\n"
     "all customers lie on the day of --today (the present day, UTC) and the 90 days before it;\n"
-    "--seed (1) changes the calls and nothing else.\n";
+    "--seed (1) changes the calls, the agents' log and the messages, and nothing else.\n";
 
 constexpr int64_t kMostCalls = 100'000'000;
 
@@ -91,13 +94,21 @@ void Generate(const Options& options) {
     demodata::LoadScript script;
     demodata::WritePortalTables(companies, options.folder, script);
     demodata::WriteDirectory(companies, options.folder);
+    demodata::TableSet tables(options.folder, script);
+    demodata::WriteContactCentre(companies, tables);
+    const demodata::CallOptions& calls = options.calls;
+    const int64_t firstDay = calls.lastDay - demodata::kCallDays + 1;
+    demodata::WriteInbox(companies, {calls.calls, calls.seed, firstDay, calls.lastDay, calls.now},
+                         tables);
 
     demodata::TsvFile file(options.folder, "CallLog");
-    const int64_t rows = demodata::WriteCalls(companies, options.calls, file, [&](int64_t done) {
+    demodata::AgentLog agents(options.folder, calls.seed, calls.now);
+    const int64_t rows = demodata::WriteCalls(companies, calls, file, agents, [&](int64_t done) {
         std::fprintf(stderr, "demodata: %lld of %lld calls\n", static_cast<long long>(done),
-                     static_cast<long long>(options.calls.calls));
+                     static_cast<long long>(calls.calls));
     });
     file.Finish();
+    agents.Finish(script);
     script.Add("CallLog", demodata::kCallColumns);
     script.Write(options.folder);
     std::fprintf(stderr, "demodata: %lld rows of the call log\n", static_cast<long long>(rows));

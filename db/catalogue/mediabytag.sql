@@ -1,0 +1,38 @@
+-- name: Messages by Tag
+-- description: What the shared inbox deals with: the conversations, messages and response times of each tag. A conversation with several tags counts for each of them.
+-- category: 5
+-- listorder: 40
+-- format: graph:bar series:conversations label:tag
+-- opt_inbox: 1
+-- opt_tag: 1
+-- help: Received counts the messages from outside, sent those that a teammate wrote, in the conversations that bear the tag today.
+-- help: A question is a message from outside that opens a conversation or follows an answer of ours; what the customer adds before the answer belongs to the same question. The answer is the next message that a teammate wrote in the conversation. A question that has no answer by the end of the period counts as unanswered.
+-- help: Response time runs from the question to the answer by the clock, nights and weekends included; its average is over the answered questions.
+--
+-- Only inboxes are named and counted, and inboxid carries [entity]: the permissions on inboxes decide.
+-- The window runs from the latest message back, so that the least answering moment met so far is that
+-- of the next answer.
+WITH message AS (
+    SELECT customerid, convid, inboxid, author, createdAt, UNIX_TIMESTAMP(createdAt) AS at,
+        LEAD(author) OVER later AS previous,
+        MIN(IF(author <> '', UNIX_TIMESTAMP(createdAt), NULL))
+            OVER (later ROWS UNBOUNDED PRECEDING) AS answeredat
+    FROM FrontMessage
+    WHERE customerid IN('[customerSearchGroup]') AND createdAt [date] AND inboxid [entity]
+    WINDOW later AS (PARTITION BY customerid, convid ORDER BY createdAt DESC, id DESC)
+)
+SELECT tag, conversations, received, sent, questions, answered,
+    ROUND(100 * answered / NULLIF(questions, 0), 1) AS answeredpct, responses,
+    ROUND(responses / NULLIF(answered, 0)) AS avgresponse
+FROM (
+    SELECT g.name AS tag, COUNT(DISTINCT m.customerid, m.convid) AS conversations,
+        SUM(author = '') AS received, SUM(author <> '') AS sent, SUM(asks) AS questions,
+        COUNT(IF(asks, answeredat, NULL)) AS answered,
+        SUM(IF(asks, ROUND(answeredat - at), NULL)) AS responses
+    FROM (SELECT *, author = '' AND NOT previous <=> '' AS asks FROM message) AS m
+        INNER JOIN FrontConversationTag AS t ON t.customerid = m.customerid AND t.convid = m.convid
+        INNER JOIN FrontTag AS g ON g.id = t.tagid AND g.customerid = t.customerid
+    WHERE TIME(createdAt) [time] AND '[tag]' IN ('', g.name)
+    GROUP BY g.name
+) AS tagged
+ORDER BY conversations DESC, tag

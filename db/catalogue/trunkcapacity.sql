@@ -1,0 +1,67 @@
+-- name: Trunk Capacity
+-- description: How many lines of each trunk were in use at the same time, day by day: the peak, the busy hour and its traffic in erlangs. It shows which trunk is too small, and which too large. The day leads to its hours.
+-- category: 3
+-- listorder: 30
+-- format: graph:line series:peak,erlangs label:day
+-- multititle: Trunk
+-- multikeyfield: trunk
+-- opt_trunk: 1
+-- opt_trunkgroup: 1
+-- help: Each leg of a call holds one line of its trunk from its first ring to its end, and a call that goes on to an outside number holds one on either trunk. Where one leg ends in the second in which another begins, one line serves both.
+-- help: Peak is the largest number of lines in use at the same second. The peak hour is the first one that reached it.
+-- help: The busy hour is the clock hour of the day with the most time in use; its traffic in erlangs is that time / 3600 seconds (ITU-T E.600: one erlang is one line in use for the whole hour). The day's average is its time in use / 24 hours. ITU-T E.500 takes the average of the busy hours' traffic for the dimension of a trunk.
+-- help: Calls counts each call that began on the trunk. What began before the period is left out, and what lasts beyond its end counts to the end.
+--
+-- [entity] stands on the trunk. No party is shown; a leg counts when a permitted one took part, as in
+-- Calls by Day, and for who may see everybody in any case. A moment's last event tells how many lines
+-- are in use from then on. A step of 0 at each full hour that a leg passes keeps the hours' times
+-- apart.
+WITH leg AS (
+    SELECT A_Trunk, B_Trunk, transfercall <> 2 AS starts, UNIX_TIMESTAMP(gmtdatetime) AS since,
+        LEAST(UNIX_TIMESTAMP(gmtdatetime) + callduration, CEILING(UNIX_TIMESTAMP([endDate])) + 1)
+            AS til,
+        UNIX_TIMESTAMP(gmtdatetime) - TIME_TO_SEC(gmtdatetime) % 3600 AS hourstart
+    FROM CallLog
+    WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
+        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2) AND callduration > 0
+        AND ([allusers] OR A_Name [entity2] OR B_Name [entity2] OR origCostCentre [entity2]
+            OR (B_RemoteName [entity2] AND B_Remote NOT LIKE '!%'))
+), seizure AS (
+    SELECT A_Trunk AS dn, starts, since, til, hourstart FROM leg WHERE A_Trunk [entity]
+    UNION ALL
+    SELECT B_Trunk, TRUE, since, til, hourstart FROM leg WHERE B_Trunk [entity]
+), event AS (
+    SELECT dn, since AS moment, 1 AS step, starts FROM seizure
+    UNION ALL
+    SELECT dn, til, -1, FALSE FROM seizure
+    UNION ALL
+    SELECT dn, hourstart + 3600 * seq, 0, FALSE
+    FROM seizure INNER JOIN seq_1_to_168 ON hourstart + 3600 * seq < til
+), course AS (
+    SELECT dn, moment, starts, SUM(step) OVER (sweep ROWS UNBOUNDED PRECEDING) AS busy,
+        LEAD(moment, 1) OVER sweep - moment AS lasts
+    FROM event
+    WINDOW sweep AS (PARTITION BY dn ORDER BY moment)
+), hourly AS (
+    SELECT dn, moment - TIME_TO_SEC(FROM_UNIXTIME(moment)) % 3600 AS hourstart,
+        SUM(starts) AS calls, MAX(IF(lasts > 0, busy, 0)) AS peak, SUM(busy * IFNULL(lasts, 0)) AS inuse
+    FROM course
+    GROUP BY dn, hourstart
+)
+SELECT REPLACE(REPLACE(SUBSTRING_INDEX(dn, ',', 2), 'cn=', ''), ',', ', ') AS trunk, dn, day,
+    SUM(calls) AS calls, MAX(peak) AS peak, TIME_FORMAT(FROM_UNIXTIME(MAX(peakhour)), '%H:%i')
+        AS peakat,
+    TIME_FORMAT(FROM_UNIXTIME(MAX(busyhour)), '%H:%i') AS busyat,
+    ROUND(MAX(inuse) / 3600, 2) AS erlangs, ROUND(SUM(inuse) / 86400, 2) AS average,
+    SUM(inuse) AS inuse
+FROM (
+    SELECT *, DATE(FROM_UNIXTIME(hourstart)) AS day,
+        FIRST_VALUE(hourstart) OVER (PARTITION BY dn, DATE(FROM_UNIXTIME(hourstart))
+            ORDER BY peak DESC, hourstart) AS peakhour,
+        FIRST_VALUE(hourstart) OVER (PARTITION BY dn, DATE(FROM_UNIXTIME(hourstart))
+            ORDER BY inuse DESC, hourstart) AS busyhour
+    FROM hourly
+    WHERE peak > 0
+) AS used
+GROUP BY dn, day
+ORDER BY dn, day
