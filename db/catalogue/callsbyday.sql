@@ -4,6 +4,10 @@
 -- listorder: 30
 -- opt_user: 1
 -- opt_department: 1
+-- format: graph:line series:inbound,answered,outbound,internal label:day
+-- help: Answered, voicemail, passed on and abandoned are the four ways in which an inbound call can end; together they are its calls. Answered % is answered / calls x 100. Abandoned: the caller hung up before anybody, or the voicemail, answered.
+-- help: Talk time is the time from answer to end, added up over every leg; cost is the cost logged with the calls, before uplift and VAT.
+-- help: The day is that of your time zone. Days without a call are left out.
 --
 -- A leg counts when a permitted party took part: [entity] stands on the caller, the party dialled,
 -- the one who answered and the department booked. A service that answered ('!...') is no party,
@@ -20,7 +24,8 @@ SELECT day,
     SUM(starts AND internal) AS internal,
     SUM(starts) AS calls,
     SUM(talk) AS talk,
-    SUM(cost) AS cost
+    SUM(cost) AS cost,
+    SUM(starts) AS n_calls, COUNT(*) AS n_legs, SUM(NOT starts) AS n_transfers
 FROM (
     SELECT DATE(gmtdatetime) AS day, transfercall <> 2 AS starts,
         A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> '' AS inbound,

@@ -3,6 +3,10 @@
 -- category: 1
 -- listorder: 20
 -- opt_department: 1
+-- format: graph:stack series:answered,voicemail,passedon,abandoned label:department
+-- help: Answered, voicemail, passed on and abandoned are the four ways in which an inbound call can end; together they are its calls. Answered % is answered / calls x 100. Abandoned: the caller hung up before anybody, or the voicemail, answered.
+-- help: Average wait is the ring time of the answered calls / answered calls; in a queue it is the time until an agent answered, also known as the average speed of answer.
+-- help: Talk time is the time from answer to end, added up over every leg of the department; cost is the cost logged with the calls, before uplift and VAT.
 --
 -- A department's row is made of the calls booked to it and of nothing else, and origCostCentre
 -- carries [entity]. No party of a call is shown, so the figures hide nobody.
@@ -20,7 +24,8 @@ SELECT SQL_BIG_RESULT department,
     SUM(starts AND outbound) AS outbound,
     SUM(starts AND internal) AS internal,
     SUM(talk) AS talk,
-    SUM(cost) AS cost
+    SUM(cost) AS cost,
+    SUM(starts) AS n_calls, COUNT(*) AS n_legs, SUM(NOT starts) AS n_transfers
 FROM (
     SELECT customerid, origCostCentre AS department, transfercall <> 2 AS starts,
         A_Trunk <> '' AND A_Out = 0 AS inbound,

@@ -3,6 +3,10 @@
 -- category: 1
 -- listorder: 10
 -- opt_user: 1
+-- format: graph:stack series:answered,missed,outbound,internal label:user
+-- help: Answered are calls that the user answered at their first destination, whoever was dialled; by transfer are those that a colleague passed on. Missed are calls to the user that nobody answered, left to voicemail or not; calls diverted before the telephone rang are left out.
+-- help: All calls = answered + missed + external + internal. An internal call counts for both users, so that the column adds up to more than the calls.
+-- help: Average talk time is total talk time / conversations. Cost is that of the calls made, before uplift and VAT.
 --
 -- Each half names and counts one party only, and that party carries [entity]: the caller in the
 -- first, the one who answered, or was rung in vain, in the second. The other party is never shown.

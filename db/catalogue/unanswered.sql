@@ -4,6 +4,10 @@
 -- listorder: 40
 -- opt_user: 1
 -- opt_department: 1
+-- format: graph:bar series:voicemail,abandoned label:destination
+-- help: Calls = answered + voicemail + abandoned, at the destination first dialled. Unanswered % is (voicemail + abandoned) / calls x 100.
+-- help: Wait before hanging up is the time from the first ring until the caller gave up, over the abandoned calls; also known as the average time to abandon.
+-- help: Destinations that missed no call are left out.
 --
 -- Only the party dialled is named and counted, and B_Name carries [entity]. The outside caller is
 -- neither shown nor counted apart, and nobody answered, so the figures hide nobody.
@@ -17,7 +21,8 @@ SELECT SQL_BIG_RESULT destination, MAX(number) AS number,
     SUM(IF(answered OR voicemail, 0, waited)) AS wait,
     ROUND(SUM(IF(answered OR voicemail, 0, waited)) / NULLIF(SUM(NOT answered AND NOT voicemail), 0))
         AS avgwait,
-    MAX(IF(answered OR voicemail, NULL, waited)) AS longestwait
+    MAX(IF(answered OR voicemail, NULL, waited)) AS longestwait,
+    COUNT(*) AS n_calls
 FROM (
     SELECT customerid, B_Name AS destination, B_ShortNum AS number, hasconnected AS answered,
         B_Remote LIKE '!LeaveVoicemail%' AS voicemail, callduration AS waited

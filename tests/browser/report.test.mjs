@@ -41,7 +41,7 @@ const resultOf = async (page) => shown(await page.content());
 // Fails unless the page shows last month's calls by user.
 async function assertLastMonth(page, day) {
     const [first, last] = periods(day, 5).lastmonth;
-    const { totals, rows } = figures(callsByUser, { first, last, zone });
+    const { totals, rows } = await figures(callsByUser, { first, last, zone });
     const result = await resultOf(page);
     const at = (field) => callsByUser.columns.findIndex((column) => column.field === field);
     for (const field of ['answered', 'calls', 'talk', 'cost'])

@@ -1,28 +1,18 @@
--- The customer's legs of the period. A leg starts a call when no other leg was transferred to it;
--- the system's own legs and the collecting of voicemail are no calls.
-WITH leg AS (
-    SELECT *, confId NOT IN (SELECT transferConfId FROM CallLog WHERE customerid = @customer
-            AND transferConfId <> '') AS starts
-    FROM CallLog
-    WHERE customerid = @customer
-        AND UNIX_TIMESTAMP(gmtdatetime) >= TIMESTAMPDIFF(SECOND, '1970-01-01', @from)
-        AND UNIX_TIMESTAMP(gmtdatetime) < TIMESTAMPDIFF(SECOND, '1970-01-01', @to)
-        AND (B_Remote NOT LIKE '!%' OR B_Remote = '!LeaveVoicemail')
-),
-part AS (
+WITH part AS (
     -- What each user did in each leg: as the caller ...
-    SELECT A_Num AS number, starts AND B_Trunk = '' AS internal, starts AND B_Trunk <> '' AS outbound,
+    SELECT A_Num AS number, kind = 'internal' AS internal, kind = 'outbound' AS outbound,
         0 AS answered, 0 AS missed, 0 AS transferred, callconnected > 0 AS talks,
         callconnected AS talk, totalcost AS cost
-    FROM leg WHERE A_Trunk = ''
+    FROM Leg WHERE A_Trunk = ''
     UNION ALL
     -- ... as the one who answered ...
     SELECT B_Remote, 0, 0, starts, 0, NOT starts, callconnected > 0, callconnected, 0
-    FROM leg WHERE B_Trunk = '' AND callconnected > 0
+    FROM Leg WHERE B_Trunk = '' AND outcome = 'answered'
     UNION ALL
     -- ... and as the one who was rung in vain.
     SELECT B_Num, 0, 0, 0, 1, 0, 0, 0, 0
-    FROM leg WHERE B_Trunk = '' AND callconnected = 0 AND starts
+    FROM Leg WHERE B_Trunk = '' AND starts AND outcome IN ('voicemail', 'abandoned')
+        -- Diverted to voicemail before the telephone rang.
         AND (transferConfId = '' OR callduration >= 2)
 )
 SELECT cn AS user, telephoneNumber AS number, SUM(answered) AS answered, SUM(missed) AS missed,

@@ -2,12 +2,17 @@
 // from this folder's queries and the report's column file; nothing of the portal's own is used.
 
 import { readFileSync, readdirSync } from 'node:fs';
-import { env, get, sql } from '../http/portal.mjs';
+import { env, get, sql, sqlLater } from '../http/portal.mjs';
+import { criteria } from './criteria.mjs';
 
 const kFigures = new URL('./', import.meta.url);
 const kCatalogue = new URL('../../db/catalogue/', import.meta.url);
 
-/** Every report of the catalogue: { name, title, offers: { user, department }, columns }. */
+/**
+ * Every report of the catalogue: { name, title, columns, offers: { user, department }, keys, keyTitle,
+ * arguments, variables }. Rows that agree in `keys` form a series. `arguments` are criteria that the
+ * report cannot do without, `variables` the SQL that says the same to its query here.
+ */
 export const catalogue = readdirSync(kCatalogue)
     .filter((file) => file.endsWith('.sql'))
     .sort()
@@ -20,6 +25,9 @@ export const catalogue = readdirSync(kCatalogue)
             title: setting('name'),
             columns: readColumns(name),
             offers: { user: setting('opt_user') === '1', department: setting('opt_department') === '1' },
+            keys: [setting('multikeyfield'), setting('multikeyfield2')].filter(Boolean),
+            keyTitle: setting('multititle'),
+            ...{ arguments: {}, variables: '', ...criteria[name] },
         };
     });
 
@@ -53,17 +61,30 @@ export function mainOf(html) {
 const all = (html, pattern) => [...html.matchAll(pattern)].map(([, text]) => textOf(text));
 const cells = (row) => all(row, /<t[dh][^>]*>(.*?)<\/t[dh]>/g);
 
-/** A report's page taken apart: { lines, headings, rows, totals, count, notices, warnings }, all as the
- * texts that a reader sees. */
+/** A report's page taken apart: { lines, headings, rows, series: [{ title, rows, totals }], totals, count,
+ * notices, warnings }, all as the texts that a reader sees. */
 export function shown(html) {
     const main = mainOf(html);
-    const part = (element) => main.match(new RegExp(`<${element}>(.*?)</${element}>`, 's'))?.[1] ?? '';
-    const rowsOf = (element) => [...part(element).matchAll(/<tr[^>]*>(.*?)<\/tr>/gs)].map(([, row]) => cells(row));
+    const table = main.match(/<table class="reportTable">.*?<\/table>/s)?.[0] ?? '';
+    const rowsOf = (element) => [
+        ...(table.match(new RegExp(`<${element}>(.*?)</${element}>`, 's'))?.[1] ?? '').matchAll(
+            /<tr(?: class="(\w+)")?>(.*?)<\/tr>/gs,
+        ),
+    ].map(([, kind, row]) => ({ kind, cells: cells(row) }));
+    const result = { rows: [], series: [] };
+    for (const row of rowsOf('tbody')) {
+        if (row.kind === 'seriesrow') result.series.push({ title: row.cells[0], rows: [], totals: undefined });
+        else if (row.kind === 'subtotalrow') result.series.at(-1).totals = row.cells;
+        else {
+            result.rows.push(row.cells);
+            result.series.at(-1)?.rows.push(row.cells);
+        }
+    }
     return {
+        ...result,
         lines: all(main, /<div class="headerLine">(.*?)<\/div>/gs),
-        headings: rowsOf('thead').at(-1),
-        rows: rowsOf('tbody'),
-        totals: rowsOf('tfoot')[0],
+        headings: rowsOf('thead').at(-1)?.cells,
+        totals: rowsOf('tfoot')[0]?.cells,
         count: main.match(/<div class="rowCount">(.*?)<\/div>/)?.[1],
         notices: all(main, /<div class="notice"[^>]*>(.*?)<\/div>/gs),
         warnings: all(main, /<div class="reportWarning"[^>]*>(.*?)<\/div>/gs),
@@ -73,7 +94,7 @@ export function shown(html) {
 /** Runs a report as the form would; `options` are those of get(). */
 export async function runReport(name, criteria, options) {
     const answer = await get(
-        { pagename: 'callreport', report: name, submit: 'Generate Report', ...criteria },
+        { pagename: 'callreport', report: name, submit: 'Generate Report', rows: 'all', wait: 1, confirm: 1, ...criteria },
         options,
     );
     return { ...shown(answer.text), html: answer.text };
@@ -102,7 +123,8 @@ export async function onOneDay(zone, check) {
     }
 }
 
-const shift = (day, days) => new Date(Date.parse(day) + days * 86400000).toISOString().slice(0, 10);
+/** The day that lies so many days behind. */
+export const shift = (day, days) => new Date(Date.parse(day) + days * 86400000).toISOString().slice(0, 10);
 
 /** The first and last day of each period that the form offers, for a customer whose weeks begin on a
  * Monday and have `weekLength` days. */
@@ -132,26 +154,83 @@ export function periods(day, weekLength) {
     };
 }
 
+const kLegs = readFileSync(new URL('prelude/legs.sql', kFigures), 'utf8');
+
+/** The directory entries, { type: 'User' or 'Department', name, number }, that a restricted user of customer
+ * 1 may see and a report counts, which it does by users, by departments or by both. */
+export function permittedTo(user, { department, user: people }) {
+    const kinds = people && !department ? ['User'] : department && !people ? ['Department'] : ['User', 'Department'];
+    return kinds.flatMap((type) =>
+        sql(`SELECT '${type}' AS type, cn AS name, telephoneNumber AS number FROM LDAP${type}s AS d
+            INNER JOIN CallLogPermissions AS p ON p.entityNumber = d.telephoneNumber AND p.customerid = d.customerid
+                AND p.type = '${type}' AND p.logging = 1
+                AND p.contactid = (SELECT id FROM CustomerContact WHERE username = '${user}')
+            WHERE d.customerid = 1 ORDER BY cn`),
+    );
+}
+
+/** The condition on legs that one of these directory entries took part in, found by their numbers. */
+export function legsOf(entities) {
+    const numbers = quoted(entities.map(({ number }) => number));
+    const departments = quoted(entities.filter(({ type }) => type === 'Department').map(({ name }) => name));
+    return `((A_Trunk = '' AND A_Num IN (${numbers}))
+        OR (B_Trunk = '' AND (B_Num IN (${numbers}) OR B_Remote IN (${numbers})))
+        OR origCostCentre IN (${departments}))`;
+}
+
+const quoted = (texts) =>
+    texts.map((text) => `'${text.replaceAll('\\', '\\\\').replaceAll("'", "\\'")}'`).join(',') || "''";
+
+// A temporary table hides the real one of its name from this session: a directory of these entities.
+const smallDirectory = (entities) =>
+    ['User', 'Department'].map((type) => {
+        const numbers = quoted(entities.filter((entry) => entry.type === type).map(({ number }) => number));
+        return `CREATE TEMPORARY TABLE LDAP${type}s AS SELECT * FROM LDAP${type}s
+            WHERE customerid = @customer AND telephoneNumber IN (${numbers});`;
+    });
+
+// Legs that do not count lie outside the period; they still tell where a call began.
+const smallLog = (legs) =>
+    `CREATE TEMPORARY TABLE CallLog AS SELECT * FROM CallLog WHERE customerid = @customer;
+    UPDATE CallLog SET gmtdatetime = '1980-01-01' WHERE NOT (${legs});`;
+
 /**
- * What the report must show for the local days `first` to `last` of `zone`: { rows, totals } as shown()
- * has them; no totals without rows. `legs` is an SQL condition: those of the log that do not meet it lie
- * outside the period (they still tell where a call began). `keep` chooses the rows by their figures.
+ * What the report must show for the local days `first` to `last` of `zone`: { rows, series, totals } as
+ * shown() has them; no totals without rows. `legs` is an SQL condition on the legs of the log that count.
+ * `entities` are those whom the reader may see, everybody unless given.
  */
-export function figures(report, { first, last, zone, customer = 1, legs = '', keep = () => true }) {
+export async function figures(report, { first, last, zone, customer = 1, legs = 'TRUE', entities }) {
     const query = readFileSync(new URL(`${report.name}.sql`, kFigures), 'utf8');
     const utc = (day) => `TIMESTAMP('1970-01-01') + INTERVAL UNIX_TIMESTAMP('${day} 00:00:00') SECOND`;
-    // A temporary table hides the real one of its name from this session.
-    const others =
-        legs &&
-        `CREATE TEMPORARY TABLE CallLog AS SELECT * FROM CallLog WHERE customerid = @customer;
-        UPDATE CallLog SET gmtdatetime = '1980-01-01' WHERE NOT (${legs});`;
-    const raw = sql(`SET time_zone = '${zone}', @customer = ${customer};
-        SET @from = ${utc(first)}, @to = ${utc(shift(last, 1))}; ${others}
-${query}`).filter(keep);
+    const counted = entities ? `(${legs}) AND ${legsOf(entities)}` : legs;
+    const prelude = [
+        `SET time_zone = '${zone}', @customer = ${customer};`,
+        `SET @from = ${utc(first)}, @to = ${utc(shift(last, 1))};`,
+        report.variables,
+        ...(entities ? smallDirectory(entities) : []),
+        counted !== 'TRUE' && /\bCallLog\b/.test(query) ? smallLog(counted) : '',
+        /\bLeg\b/.test(query) ? `${kLegs} DELETE FROM Leg WHERE NOT (${counted});` : '',
+    ];
+    const raw = await sqlLater(prelude.join('\n') + query);
+    const shownRow = (row) => report.columns.map(({ field, style }) => display(style, row[field]));
+    const totalsOf = (rows) => report.columns.map((column, i) => total(column, i, rows));
     return {
-        rows: raw.map((row) => report.columns.map(({ field, style }) => display(style, row[field]))),
-        totals: raw.length > 0 ? report.columns.map((column, i) => total(column, i, raw)) : undefined,
+        rows: raw.map(shownRow),
+        series: seriesOf(report, raw).map(({ title, rows }) => ({ title, rows: rows.map(shownRow), totals: totalsOf(rows) })),
+        totals: raw.length > 0 ? totalsOf(raw) : undefined,
     };
+}
+
+// Neighbouring rows with the same keys, under what they have in common.
+function seriesOf({ keys, keyTitle }, raw) {
+    const series = [];
+    for (const row of keys.length > 0 ? raw : []) {
+        const key = keys.map((field) => row[field] ?? '').join(' - ');
+        const title = keyTitle ? `${keyTitle}: ${key}` : key;
+        if (series.at(-1)?.title !== title) series.push({ title, rows: [] });
+        series.at(-1).rows.push(row);
+    }
+    return series;
 }
 
 // Figures have at most four decimals: they are counted in ten-thousandths.
@@ -166,6 +245,7 @@ const divide = (value, divisor) => (value * 2n + divisor) / (divisor * 2n); // n
 
 function display(style, text) {
     if (style === 'text' || style === 'date') return text ?? '';
+    if (style === 'number') return text ?? '-';
     return text === null ? '-' : displayUnits(style, units(text));
 }
 

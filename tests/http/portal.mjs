@@ -2,11 +2,12 @@
 // by hand. Where it is stands in the file that the environment variable PORTAL_ENV names; script/test
 // sets it, and for a portal of script/server it is .run/portal.env.
 
-import { execFileSync, spawn } from 'node:child_process';
+import { execFile, execFileSync, spawn } from 'node:child_process';
 import { chownSync, cpSync, mkdirSync, mkdtempSync, readFileSync, readdirSync, statSync } from 'node:fs';
 import http from 'node:http';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
+import { promisify } from 'node:util';
 
 /** The settings of portal.env: URL, ROOT, PROGRAM, ERROR_LOG, ZONE, DB_*, and NAME_USER and
  * NAME_PASSWORD of every demo user. */
@@ -76,16 +77,26 @@ function pathOf(what) {
 
 const kBatchEscapes = { '\\n': '\n', '\\t': '\t', '\\0': '\0', '\\\\': '\\' };
 
-/** Runs SQL as the portal's own database user; the rows of its result as objects of texts, with null
- * for NULL (and for the text "NULL", which the client prints alike). */
-export function sql(query) {
-    const out = execFileSync('mariadb', ['--no-defaults', `--socket=${env.DB_SOCKET}`, `--user=${env.DB_USER}`,
-        '--default-character-set=utf8mb4', '--batch', `--execute=${query}`, env.DB_NAME],
-        { env: { ...process.env, MYSQL_PWD: env.DB_PASSWORD }, encoding: 'utf8', maxBuffer: 1 << 28,
-            stdio: ['ignore', 'pipe', 'pipe'] });
+const clientArguments = (query) => ['--no-defaults', `--socket=${env.DB_SOCKET}`, `--user=${env.DB_USER}`,
+    '--default-character-set=utf8mb4', '--batch', `--execute=${query}`, env.DB_NAME];
+const clientOptions = () => ({ env: { ...process.env, MYSQL_PWD: env.DB_PASSWORD }, encoding: 'utf8',
+    maxBuffer: 1 << 28, stdio: ['ignore', 'pipe', 'pipe'] });
+
+function rowsOf(out) {
     const [names, ...rows] = out.split('\n').slice(0, -1).map((line) => line.split('\t'));
     const value = (text) => (text === 'NULL' ? null : text.replace(/\\[nt0\\]/g, (escape) => kBatchEscapes[escape]));
     return rows.map((row) => Object.fromEntries(row.map((text, i) => [names[i], value(text)])));
+}
+
+/** Runs SQL as the portal's own database user; the rows of its result as objects of texts, with null
+ * for NULL (and for the text "NULL", which the client prints alike). */
+export function sql(query) {
+    return rowsOf(execFileSync('mariadb', clientArguments(query), clientOptions()));
+}
+
+/** The same without waiting: a promise of the rows. */
+export async function sqlLater(query) {
+    return rowsOf((await promisify(execFile)('mariadb', clientArguments(query), clientOptions())).stdout);
 }
 
 /**

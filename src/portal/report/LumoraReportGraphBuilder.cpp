@@ -8,7 +8,7 @@
 
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportGraphHeat.h"
-#include "portal/report/ReportTotals.h"
+#include "portal/report/ReportColumns.h"
 
 namespace {
 

@@ -1,0 +1,37 @@
+-- name: Top External Numbers
+-- description: The hundred outside numbers with the most calls, from and to them. A call counts once, where it began; talk time and cost take in every leg. Choose a user or a department to count only the calls they took part in.
+-- category: 1
+-- listorder: 62
+-- format: graph:bar series:inbound,outbound label:outside
+-- opt_user: 1
+-- opt_department: 1
+-- help: A number's calls are the inbound calls from it and the outbound calls to it. Callers who withhold their number stand together under "Withheld".
+-- help: Unanswered are inbound calls that no person answered at their first destination: abandoned, left to voicemail or passed on. The name is the latest in the alphabet of those logged with the number.
+-- help: The totals are those of the rows shown, not of all numbers.
+--
+-- A leg counts when a permitted party took part: [entity] stands on the caller, the party dialled,
+-- the one who answered and the department booked. Only the outside party of such a leg is shown.
+SELECT SQL_BIG_RESULT number, IF(number = '', 'Withheld', number) AS outside, MAX(name) AS name,
+    SUM(starts AND inbound) AS inbound,
+    SUM(starts AND inbound AND answered) AS answered,
+    SUM(starts AND inbound AND NOT answered) AS unanswered,
+    SUM(starts AND NOT inbound) AS outbound,
+    SUM(starts) AS calls,
+    SUM(talk) AS talk,
+    SUM(cost) AS cost,
+    SUM(starts) AS n_calls, COUNT(*) AS n_legs, SUM(NOT starts) AS n_transfers
+FROM (
+    SELECT IF(A_Trunk <> '' AND A_Out = 0, A_Num, B_Num) AS number,
+        IF(A_Trunk <> '' AND A_Out = 0, A_Name, B_Name) AS name,
+        A_Trunk <> '' AND A_Out = 0 AS inbound, transfercall <> 2 AS starts,
+        hasconnected AS answered, callconnected AS talk, totalcost AS cost
+    FROM CallLog
+    WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
+        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2) AND origCostCentre <> ''
+        AND ((A_Trunk <> '' AND A_Out = 0) OR (B_Trunk <> '' AND B_Out = 1))
+        AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
+            OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
+) AS leg
+GROUP BY number
+ORDER BY calls DESC, talk DESC, number
+LIMIT 100

@@ -1,0 +1,16 @@
+// The reports that need criteria besides the period: the arguments that a test runs them with, and SQL
+// variables that tell the report's query in this folder the same.
+
+import { sql } from '../http/portal.mjs';
+
+const [{ number }, { name }] = sql(`SELECT A_Num AS number, A_Name AS name FROM CallLog
+    WHERE customerid = 1 AND A_Trunk <> '' AND A_Name <> '' GROUP BY A_Num, A_Name
+    ORDER BY COUNT(*) DESC, A_Num LIMIT 2`);
+const literal = (text) => `'${text.replaceAll('\\', '\\\\').replaceAll("'", "\\'")}'`;
+
+export const criteria = {
+    contactcalls: {
+        arguments: { contact1: number, contact2: name },
+        variables: `SET @contact1 = ${literal(number)}, @contact2 = ${literal(name)};`,
+    },
+};
