@@ -9,20 +9,28 @@ jQuery(($) => {
     const end = document.getElementById('endDate');
     if (!period || !start || !end) return;
 
-    const chooseDates = () => {
-        if (start.value || end.value) period.selectedIndex = customPeriod;
-    };
-    for (const date of [start, end]) date.addEventListener('input', chooseDates);
+    const tell = (date) => date.dispatchEvent(new Event('input', { bubbles: true }));
+    for (const date of [start, end]) {
+        date.addEventListener('input', () => {
+            if (date.value) period.selectedIndex = customPeriod;
+        });
+    }
     period.addEventListener('change', () => {
-        if (period.selectedIndex !== customPeriod) start.value = end.value = '';
+        if (period.selectedIndex === customPeriod) return;
+        for (const date of [start, end]) {
+            date.value = '';
+            tell(date);
+        }
     });
 
     // The keyboard stays in the text field while the calendar is open, so the day that it would
     // choose is said.
     const said = $('<div>', { class: 'srOnly', role: 'status' }).insertAfter(end);
+    let help = '';
     const sayDay = ({ selectedYear, selectedMonth, selectedDay }) => {
         const day = new Date(selectedYear, selectedMonth, selectedDay);
-        said.text($.datepicker.formatDate('DD d MM yy', day));
+        said.text($.datepicker.formatDate('DD d MM yy', day) + help);
+        help = '';
     };
     $([start, end]).datepicker({
         dateFormat: 'yy-mm-dd',
@@ -33,22 +41,22 @@ jQuery(($) => {
         changeYear: true,
         showAnim: '',
         beforeShow: (field) => {
-            const isEndOf = field === end && /^\d{4}-\d\d-\d\d$/.test(start.value);
-            return { minDate: isEndOf ? start.value : null };
+            help = '. Control and the arrow keys go to other days, Enter takes one.';
+            const first = field === end && /^\d{4}-\d\d-\d\d$/.test(start.value) ? start.value : null;
+            return { minDate: first, defaultDate: first };
         },
         onUpdateDatepicker: sayDay,
         onSelect: (_text, { input }) => {
-            chooseDates();
+            tell(input[0]);
             input.trigger('focus');
         },
-        onClose: () => said.text('Ctrl and the arrow keys choose a day, Enter takes it'),
+        onClose: () => said.text(''),
     });
     for (const link of document.querySelectorAll('.selectDate')) {
         link.hidden = false;
         link.addEventListener('click', (event) => {
             event.preventDefault();
-            const field = $(link.hash);
-            field.trigger('focus').datepicker('show');
+            $(link.hash).trigger('focus').datepicker('show');
         });
     }
 });

@@ -14,7 +14,6 @@ document.addEventListener('DOMContentLoaded', () => {
         document.getElementById(`${field.name}_error`)?.remove();
     };
     const complain = (field, text) => {
-        takeBack(field);
         const message = document.createElement('span');
         message.id = `${field.name}_error`;
         message.className = 'fieldError';
@@ -26,40 +25,39 @@ document.addEventListener('DOMContentLoaded', () => {
         field.setAttribute('aria-describedby', message.id);
     };
 
-    const entity = 'mandatoryEntity' in form.dataset ? named('suggest1') : null;
-    const contacts = 'mandatoryContact' in form.dataset ? [...form.querySelectorAll('[name^=contact]')] : [];
-    const [start, end] = [named('startDate'), named('endDate')];
-
-    // Each answers the field that something is wrong with.
+    const [start, end, entity] = ['startDate', 'endDate', 'suggest1'].map(named);
+    const contacts = [...form.querySelectorAll('.contactGrid input')];
+    const isContactSought = () => named('searchtype')?.value === 'contact' && !isEmpty(entity);
     const checks = [
-        () => {
-            if (!start || !end || isEmpty(start) || isEmpty(end) || end.value >= start.value.slice(0, 10)) return null;
-            complain(end, 'The end date lies before the start date.');
-            return end;
+        {
+            field: start && end,
+            isWrong: () => !isEmpty(start) && !isEmpty(end) && end.value < start.value.slice(0, 10),
+            text: 'The end date lies before the start date.',
         },
-        () => {
-            if (!entity || !isEmpty(entity) || named('globcb1')?.checked) return null;
-            complain(entity, 'This field is mandatory');
-            return entity;
+        {
+            field: 'mandatoryEntity' in form.dataset && entity,
+            isWrong: () => isEmpty(entity) && !named('globcb1')?.checked,
+            text: 'This field is mandatory',
         },
-        () => {
-            if (contacts.length === 0 || !contacts.every(isEmpty)) return null;
-            if (named('searchtype')?.value === 'contact' && !isEmpty(named('suggest1'))) return null;
-            complain(contacts[0], 'You must specify at least one contact for this report.');
-            return contacts[0];
+        {
+            field: 'mandatoryContact' in form.dataset && contacts[0],
+            isWrong: () => contacts.every(isEmpty) && !isContactSought(),
+            text: 'You must specify at least one contact for this report.',
         },
-    ];
+    ].filter(({ field }) => field);
 
     form.addEventListener('submit', (event) => {
         if (event.submitter?.formNoValidate) return;
-        const wrong = checks.map((check) => check()).filter((field) => field !== null);
+        for (const { field } of checks) takeBack(field);
+        const wrong = checks.filter(({ isWrong }) => isWrong());
         if (wrong.length === 0) return;
         event.preventDefault();
-        wrong[0].focus();
+        for (const { field, text } of wrong) complain(field, text);
+        wrong[0].field.focus();
     });
     form.addEventListener('input', ({ target }) => {
         if (contacts.includes(target)) takeBack(contacts[0]);
-        else if (target.name === 'globcb1' && entity) takeBack(entity);
+        else if (target.name === 'globcb1') takeBack(entity);
         else if (target.classList.contains('invalid')) takeBack(target);
     });
 });

@@ -52,7 +52,8 @@ class FormRows {
 
   private:
     void AddPeriodRow();
-    void AddDate(WebItem& line, const char* name, const char* label, const UString& value);
+    void AddDate(WebItem& line, const char* name, const char* label, const char* day,
+                 const UString& value);
     void AddTimeRow();
     void AddTime(WebItem& line, const char* name, const char* label, const UString& value);
     void AddTextRow(const char* name, const char* label, const UString& value, const char* more,
@@ -70,14 +71,15 @@ class FormRows {
 };
 
 // The link opens a calendar, which the script brings.
-void FormRows::AddDate(WebItem& line, const char* name, const char* label, const UString& value) {
+void FormRows::AddDate(WebItem& line, const char* name, const char* label, const char* day,
+                       const UString& value) {
     WebItem& item = line.Adopt(new WebDiv("class=\"formItem\""));
     AddFormLabel(item, name, label);
     table_.AddText(item, name, value, kDateFormat);
     item.Add(
         new WebValue("<a href=\"#%s\" class=\"selectDate\" role=\"button\" hidden "
                      "aria-label=\"Select Date: %s\">Select Date</a>",
-                     name, label));
+                     name, day));
 }
 
 void FormRows::AddPeriodRow() {
@@ -94,8 +96,8 @@ void FormRows::AddPeriodRow() {
     WebItem& cell = table_.AddRow("reportPeriod", "Report Period");
     table_.AddList(cell, "reportPeriod", periods, chosen.c_str(), /*none=*/nullptr);
     WebItem& line = AddFormLine(cell);
-    AddDate(line, "startDate", "Start Date: ", current_.startDate);
-    AddDate(line, "endDate", "End Date: ", current_.endDate);
+    AddDate(line, "startDate", "Start Date: ", "first day", current_.startDate);
+    AddDate(line, "endDate", "End Date: ", "last day", current_.endDate);
     table_.AddProblems(cell, "startDate");
     table_.AddProblems(cell, "endDate");
 }
@@ -195,7 +197,7 @@ void FormRows::AddAll() {
     if (offered_.hasSLA) AddSlaRow();
     if (offered_.hasInternalExternal) AddCallTypeRow();
     if (offered_.hasDDI)
-        AddValueRow(ctx_, table_, "DDI:", "ddi", current_.ddi.c_str(), "size=\"40\"");
+        AddValueRow(ctx_, table_, "DDI:", "suggestddi", "ddi", current_.ddi.c_str(), "size=\"40\"");
 }
 
 // The name is asked for once the box is ticked.

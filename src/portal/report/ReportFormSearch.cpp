@@ -22,6 +22,7 @@ constexpr char kSuggestValues[] = "pagename=autorespond2&searchtype=%s";
 // One of the form's two searches for an entity.
 struct EntitySearch {
     const char* label;
+    const char* kindLabel;
     const char* kindName;
     const char* textName;
     const char* ticksId;
@@ -81,7 +82,7 @@ WebItem& AddEntityRow(PortalContext& ctx, EntitySearch& search, const LumoraRepo
     WebItem& cell = table.AddRow(search.textName, search.label);
     WebItem& line = AddFormLine(cell);
     UString more;
-    more.Format("aria-label=\"%s kind\"", search.label);
+    more.Format("aria-label=\"%s\"", search.kindLabel);
     table.AddList(line, search.kindName, choices, search.kind.c_str(), /*none=*/nullptr,
                   more.c_str());
     more.Format("size=\"40\" data-suggest=\"%s\" data-ticks=\"%s\" data-kind=\"%s\"",
@@ -93,9 +94,14 @@ WebItem& AddEntityRow(PortalContext& ctx, EntitySearch& search, const LumoraRepo
 
 void AddFirstSearch(PortalContext& ctx, const LumoraReportFilter& offered,
                     const LumoraReportFilter& current, ReportFormTable& table) {
-    EntitySearch search = {"For:", "searchtype",       "suggest1",      "suggest1_ticks",
-                           {},     current.searchtype, current.suggest1};
-    search.kinds = OfferedKinds(EntityKinds(), offered);
+    EntitySearch search = {.label = "For:",
+                           .kindLabel = "Kind of whom it is for",
+                           .kindName = "searchtype",
+                           .textName = "suggest1",
+                           .ticksId = "suggest1_ticks",
+                           .kinds = OfferedKinds(EntityKinds(), offered),
+                           .kind = current.searchtype,
+                           .text = current.suggest1};
     WebItem& cell = AddEntityRow(ctx, search, current, table);
     AddFormHint(cell, offered.mandatoryEntity ? "Type a name and choose it from the list"
                                               : "Leave this empty for all");
@@ -105,9 +111,14 @@ void AddFirstSearch(PortalContext& ctx, const LumoraReportFilter& offered,
 
 void AddSecondSearch(PortalContext& ctx, const LumoraReportFilter& offered,
                      const LumoraReportFilter& current, ReportFormTable& table) {
-    EntitySearch search = {"Show:", "A_searchtype",       "A_suggest1",      "A_suggest1_ticks",
-                           {},      current.A_searchtype, current.A_suggest1};
-    search.kinds = OfferedKinds(SecondEntityKinds(), offered);
+    EntitySearch search = {.label = "Show:",
+                           .kindLabel = "Kind of whom it shows",
+                           .kindName = "A_searchtype",
+                           .textName = "A_suggest1",
+                           .ticksId = "A_suggest1_ticks",
+                           .kinds = OfferedKinds(SecondEntityKinds(), offered),
+                           .kind = current.A_searchtype,
+                           .text = current.A_suggest1};
     WebItem& cell = AddEntityRow(ctx, search, current, table);
     table.AddProblems(cell, "A_searchtype");
     table.AddProblems(cell, "A_suggest1");
@@ -151,7 +162,8 @@ void AddSearchRows(PortalContext& ctx, const LumoraReportFilter& offered,
     }
     if (offered.hasSecondForField) AddSecondSearch(ctx, offered, current, table);
     if (offered.hasTag)
-        AddValueRow(ctx, table, "Tag:", "tag", current.tagFilter.c_str(), "style=\"width: 153px\"");
+        AddValueRow(ctx, table, "Tag:", "suggesttag", "tag", current.tagFilter.c_str(),
+                    "style=\"width: 153px\"");
     if (offered.hasContact) AddContactRow(ctx, current, table);
 }
 
@@ -161,13 +173,11 @@ bool IsGlobalOffered(PortalContext& ctx) {
     return db.NextRow() && strcmp(db.Column(0), "0") != 0;
 }
 
-void AddValueRow(PortalContext& ctx, ReportFormTable& table, const char* label, const char* name,
-                 const char* value, const char* size) {
-    UString id("suggest");
-    id += name;
+void AddValueRow(PortalContext& ctx, ReportFormTable& table, const char* label, const char* id,
+                 const char* name, const char* value, const char* size) {
     UString more;
     more.Format("%s data-suggest=\"%s\"", size, HtmlAttr(ctx.GetURL(kSuggestValues, name)).c_str());
-    WebItem& cell = table.AddRow(id.c_str(), label);
-    table.AddText(cell, name, value, more.c_str(), id.c_str());
+    WebItem& cell = table.AddRow(id, label);
+    table.AddText(cell, name, value, more.c_str(), id);
     table.AddProblems(cell, name);
 }

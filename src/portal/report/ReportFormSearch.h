@@ -14,7 +14,7 @@ void AddSearchRows(PortalContext& ctx, const LumoraReportFilter& offered,
 // Throws the server's message.
 bool IsGlobalOffered(PortalContext& ctx);
 
-// A criterion that is any text, such as the tag or the DDI. Those that there are, the values of
-// that kind, are offered while somebody types; the input's id is "suggest" and the name.
-void AddValueRow(PortalContext& ctx, ReportFormTable& table, const char* label, const char* name,
-                 const char* value, const char* size);
+// A criterion that is any text, such as the tag or the DDI; the values of that kind that there are
+// are offered while somebody types. `name` is the criterion's argument, and the kind.
+void AddValueRow(PortalContext& ctx, ReportFormTable& table, const char* label, const char* id,
+                 const char* name, const char* value, const char* size);
