@@ -47,18 +47,15 @@ const kReports = {
     'test.groupid': ['group', `${kCalls} AND [groupid] >= 0`],
     'test.groupjoin': ['group', kCalls.replace('FROM CallLog', 'FROM CallLog [groupjoin]')],
     'test.wallboard': ['', `${kCalls} AND gmtdatetime [wbTime]`],
-    trunkcapacity: ['', `${kCalls} AND A_Trunk [entity]`],
 };
 const escaped = (text) => text.replace(/[\\'"]/g, '\\$&');
 
 const columnFile = join(env.ROOT, 'Norvane/config/reports/criteriatest.col');
-const replaced = [];
 let wasLogging = '';
 
 before(() => {
     writeFileSync(columnFile, 'n number "Calls" "" "" "" "" "" ""\n', { mode: 0o644 });
     for (const [name, [offers, template]] of Object.entries(kReports)) {
-        replaced.push(...sql(`SELECT pagename, SQLQuery FROM CallReport WHERE pagename = '${name}'`));
         const switches = offers.split(' ').filter(Boolean).map((word) => `, opt_${word} = 1`);
         sql(`REPLACE INTO CallReport SET pagename = '${name}', name = 'Criteria', category = 1, hidden = 1,
             reportFile = 'criteriatest.col', SQLQuery = '${escaped(template)}'${switches.join('')}`);
@@ -80,11 +77,11 @@ after(() => {
 });
 
 /** Runs a report and resolves to its page and the statements that the server got for it. */
-async function run(report, criteria, user = 'manager') {
+async function run(report, criteria, { user = 'manager', host } = {}) {
     admin('TRUNCATE mysql.general_log');
     // Posted, as the form does: a link cannot be this long.
     const body = { pagename: 'callreport', report, submit: 'Generate Report', wait: '1', ...criteria };
-    const { text: html } = await get({}, { user, body });
+    const { text: html } = await get({}, { user, host, body });
     const page = { ...shown(html), html };
     const log = admin(`SELECT HEX(argument) FROM mysql.general_log WHERE command_type = 'Query'`);
     const all = log.split('\n').map((hex) => Buffer.from(hex, 'hex').toString());
@@ -106,9 +103,9 @@ function difference(expected, reached) {
 }
 
 /** The statement must be the template with these texts, and must have run. */
-async function assertStatement(report, criteria, parts, { user, name } = {}) {
+async function assertStatement(report, criteria, parts, { user, host, name } = {}) {
     const what = `${report} ${JSON.stringify(criteria).slice(0, 200)} ${user ?? ''}`;
-    const { page, all, statement } = await run(report, { ...kDay, ...criteria }, user);
+    const { page, all, statement } = await run(report, { ...kDay, ...criteria }, { user, host });
     const expected = fill(kReports[report][1], {
         customerSearchGroup: '1',
         time: kTimeSql,
@@ -168,7 +165,8 @@ test('each period is told to the server in its own words, and the title shows wh
     await onOneDay(zone, async () => {
         for (const [period, start, end, title, isExact] of cases) {
             const criteria = typeof period === 'string' ? { reportPeriod: period, startDate: '' } : period;
-            const date = isExact ? ` BETWEEN ${start} AND ${end} ` : ` BETWEEN ${start} AND TIMESTAMP(${end},'23:59:59') `;
+            const last = isExact ? end : `TIMESTAMP(${end},'23:59:59')`;
+            const date = ` BETWEEN ${start} AND ${last} `;
             const { page } = await assertStatement('test.plain', criteria, { date });
             const [dates] = sql(`SET time_zone = '${zone}'; SELECT ${start} AS start, ${end} AS end`);
             assert.ok(page.lines.includes(`Dates: ${title(dates.start, dates.end)}`), `${page.lines}`);
@@ -178,16 +176,21 @@ test('each period is told to the server in its own words, and the title shows wh
 
 test('a wallboard asks for its own day, or for the time since it counts', async () => {
     const zone = zoneOf('manager');
-    const at = (minutes) => sql(`SELECT DATE_FORMAT(UTC_TIMESTAMP() + INTERVAL ${minutes} MINUTE, '%H%i') AS hhmm`)[0].hhmm;
     const board = (customer, startTime) =>
         sql(`INSERT INTO NewWallboardPage (customer_id, name, startTime) VALUES (${customer}, 'Criteria test',
             '${startTime}'); SELECT LAST_INSERT_ID() AS id`)[0].id;
-    for (const minutes of [-90, 90]) {  // begun an hour and a half ago; yesterday, an hour and a half later
-        const since = sql(`SET time_zone = '${zone}'; SELECT DATE_FORMAT(NOW() + INTERVAL ${minutes} MINUTE
-            - INTERVAL ${minutes > 0 ? 1 : 0} DAY, '%Y-%m-%d %H:%i:00') AS start`)[0].start;
-        const { page } = await assertStatement('test.plain',
-            { startDate: '', reportPeriod: 'today', wbid: board(1, at(minutes)) },
-            { date: ` BETWEEN '${since}' AND NOW() ` });
+    // Begun an hour and a half ago, and to begin in an hour and a half: then yesterday's counts.
+    for (const [minutes, days] of [[-90, 0], [90, 1]]) {
+        const [{ hhmm, since }] = sql(`SET time_zone = '${zone}'; SELECT DATE_FORMAT(at, '%H%i') AS hhmm,
+            DATE_FORMAT(CONVERT_TZ(at - INTERVAL ${days} DAY, '+00:00', '${zone}'), '%Y-%m-%d %H:%i:00') AS since
+            FROM (SELECT UTC_TIMESTAMP() + INTERVAL ${minutes} MINUTE AS at) AS board`);
+        const { page } = await assertStatement(
+            'test.plain',
+            { startDate: '', reportPeriod: 'today', wbid: board(1, hhmm) },
+            { date: ` BETWEEN '${since}' AND NOW() ` },
+        );
+        // The links of the page name the moments, for its day goes on.
+        assert.match(page.html, /startDate=[^&]*&amp;endDate=[^&]*&amp;[^"]*wbDrill=y/);
         assert.match(page.lines.join(), new RegExp(`Dates: ${since} - [-0-9: ]{19} \\(Wallboard Day\\)`));
     }
     const today = { date: " BETWEEN DATE(NOW()) AND TIMESTAMP(DATE(NOW()),'23:59:59') " };
@@ -223,17 +226,33 @@ test('an unrestricted caller gets whom they name, and everybody by name', async 
         ['test.people', { searchtype: 'freetext', suggest1: '100%' },
             listOf(`SELECT QUOTE(cn) FROM LDAPUsers WHERE customerid='1' AND cn LIKE '%100\\\\%%'`), '100%'],
         ['test.people', { company: 'Northmoor Instruments' },
-            listOf(`SELECT QUOTE(cn) FROM LDAPUsers WHERE customerid=1 AND _company IN (${kCompany})
-                UNION ALL SELECT QUOTE(cn) FROM LDAPDepartments WHERE customerid=1 AND _company IN (${kCompany})`), 'Northmoor Instruments'],
+            listOf(['LDAPUsers', 'LDAPDepartments'].map((table) =>
+                `SELECT QUOTE(cn) FROM ${table} WHERE customerid=1 AND _company IN (${kCompany})`).join(' UNION ALL ')),
+            'Northmoor Instruments'],
         ['test.people', { globcb1: 'on', userfilter: 'x', group: 'x' }, everybody.entity],
         ['test.people', { company: 'Calder Logistics' }, kEmptyList, 'Calder Logistics'],
         ['test.people', { queueFilter: 'Sales', account: 'P1', trunk: 'x' }, everybody.entity],
         ['test.queue', {}, listOf(`SELECT QUOTE(queueName) FROM CallCentreQueue WHERE customerid=1`), 'All Queues'],
         ['test.queue', { queueFilter: 'Sales' }, "='Sales'", 'Sales'],
         ['test.agent', {}, listOf(`SELECT QUOTE(agentName) FROM CallCentreAgent WHERE customerid=1`), 'All Agents'],
-        ['trunkcapacity', {}, listOf(`SELECT QUOTE(dn) FROM LDAPTrunks WHERE customerid=1`), 'All System Trunks'],
     ])
         await assertStatement(report, criteria, { entity }, { name });
+});
+
+test('a group of customers is searched as one', async () => {
+    await assertStatement(
+        'test.queue',
+        {},
+        {
+            customerSearchGroup: "3','4','5",
+            entity: listOf(`SELECT QUOTE(queueName) FROM CallCentreQueue WHERE customerid IN('3','4','5')`),
+        },
+        { user: 'manager3', host: 'three.localhost' },
+    );
+    const trunks = listOf(`SELECT QUOTE(dn) FROM LDAPTrunks WHERE customerid IN('3','4','5')`);
+    const { page, all } = await run('trunkcapacity', kDay, { user: 'manager3', host: 'three.localhost' });
+    assert.ok(all.some((text) => text.includes(`A_Trunk ${trunks}`)));
+    assert.ok(page.lines.includes('For: All System Trunks'), `${page.lines}`);
 });
 
 test('a restricted caller gets what the rows of the type allow, and a refusal is an empty report', async () => {
@@ -244,7 +263,9 @@ test('a restricted caller gets what the rows of the type allow, and a refusal is
     const people = `${permitted('LDAPUsers', 'cn', 'telephonenumber', 'User', 'logging', restricted)} UNION ALL
         ${permitted('LDAPDepartments', 'cn', 'telephonenumber', 'Department', 'logging', restricted)} UNION ALL
         SELECT QUOTE('!Voicemail')`;
-    const likeOr = people.replace(/ UNION ALL\s+SELECT QUOTE\('!Voicemail'\)/, '').replace(/cca.customerid='1'/g, "$& AND cn LIKE '%or%'");
+    const likeOr = people
+        .replace(/ UNION ALL\s+SELECT QUOTE\('!Voicemail'\)/, '')
+        .replace(/cca.customerid='1'/g, "$& AND cn LIKE '%or%'");
     const seen = { restricted: 'All Users and Departments you may see', supervisor: 'All Queues you may see' };
     for (const [user, report, criteria, entity, name] of [
         ['restricted', 'test.people', {}, listOf(people), seen.restricted],
@@ -281,11 +302,13 @@ test('a reporting group is its members of today, nested ones once, for its owner
                 VALUES (${id}, '${type}', '${memberName}', '${number}')`);
         return id;
     };
-    const inner = group('Test inner', 0, [['U', 'Former name', bob.number], ['G', 'Test outer', ''], ['U', '', mine.number]]);
-    const outer = group("Test outer", manager, [['U', '', ann.number], ['G', 'Test inner', ''], ['G', 'Test none', '']]);
-    group('Test empty', 0, [['U', 'Left', '99999']]);
-    group('Test other', contactId('admin'), [['U', '', ann.number]]);
-    group('Test foreign', 0, [['U', '', ann.number]], 2);
+    const user = ({ number }) => ['U', 'A former name', number];
+    const nested = (name) => ['G', name, ''];
+    const inner = group('Test inner', 0, [user(bob), nested('Test outer'), user(mine)]);
+    const outer = group('Test outer', manager, [user(ann), nested('Test inner'), nested('Test none')]);
+    group('Test empty', 0, [user({ number: '99999' })]);
+    group('Test other', contactId('admin'), [user(ann)]);
+    group('Test foreign', 0, [user(ann)], 2);
 
     const quotedIn = (people) => listOf(`SELECT QUOTE(u.cn) FROM CallLogGroupMembers m JOIN LDAPUsers u
         ON u.telephonenumber = m.member_number AND u.customerid = 1 WHERE m.group_id IN (${inner},${outer})
@@ -301,8 +324,9 @@ test('a reporting group is its members of today, nested ones once, for its owner
     for (const [name, groupid] of [['Test outer', outer], ['Test other', '0'], ["'", '0'], ['', '0']])
         await assertStatement('test.groupid', { group: name }, { groupid });
 
-    const { page, statement } = await run('test.groupjoin', { group: 'Test outer', startDate: '2000-01-01', endDate: '2099-01-01' });
-    assert.match(statement, /INNER JOIN \(SELECT DISTINCT name FROM .* AS GroupMember ON GroupMember\.name IN \(CallLog\.A_Name,/);
+    const ever = { startDate: '2000-01-01', endDate: '2037-01-01' };
+    const { page, statement } = await run('test.groupjoin', { group: 'Test outer', ...ever });
+    assert.match(statement, / AS GroupMember ON GroupMember\.name IN \(CallLog\.A_Name,/);
     const [{ n }] = sql(`SELECT SUM((x.cn IN (A_Name, B_Name, B_RemoteName, origCostCentre))) AS n FROM CallLog,
         LDAPUsers x WHERE CallLog.customerid = 1 AND x.customerid = 1 AND x.cn IN ('${[ann, bob, mine]
             .map(({ cn }) => escaped(cn)).join("','")}')`);
@@ -311,8 +335,10 @@ test('a reporting group is its members of today, nested ones once, for its owner
 });
 
 test('inboxes: one by id or name, all, private ones and those of others refused', async () => {
+    const restricted = contactId('restricted');
     sql(`REPLACE INTO FrontInbox (id, customerid, name, isPrivate) VALUES ('test1', 1, 'Test Sales', 0),
-        ('test2', 1, 'Test Board', 1), ('test3', 2, 'Test Foreign', 0), ("test'4", 1, 'Test Quote', 0)`);
+        ('test2', 1, 'Test Board', 1), ('test3', 2, 'Test Foreign', 0), ("test'4", 1, 'Test Quote', 0),
+        ('test5', 2, 'Test Private', 1)`);
     try {
         const all = listOf(`SELECT QUOTE(id) FROM FrontInbox WHERE customerid = 1 AND NOT isPrivate`);
         for (const [criteria, entity, name] of [
@@ -325,11 +351,16 @@ test('inboxes: one by id or name, all, private ones and those of others refused'
         ])
             await assertStatement('test.inbox', criteria, { entity }, { name });
         sql(`INSERT INTO CallLogPermissions (contactid, customerid, type, entityNumber, logging)
-            VALUES (${contactId('restricted')}, 1, 'Inbox', 'test1', 1)`);
-        for (const [criteria, entity] of [[{}, "IN ('test1')"], [{ inbox: 'Test Quote' }, kNobody]])
+            VALUES (${restricted}, 1, 'Inbox', 'test1', 1)`);
+        const mine = listOf(permitted('FrontInbox', 'id', 'id', 'Inbox', 'logging', restricted));
+        for (const [criteria, entity] of [
+            [{}, mine],
+            [{ inbox: 'Test Quote' }, kNobody],
+        ])
             await assertStatement('test.inbox', criteria, { entity }, { user: 'restricted' });
-        sql(`REPLACE INTO CustomerAttribute VALUES (1, 'privateib', '1')`);
-        await assertStatement('test.inbox', { inbox: 'Test Board' }, { entity: "IN ('test2')" });
+        sql(`REPLACE INTO CustomerAttribute VALUES (2, 'privateib', '1')`);
+        const two = { user: 'manager2', host: 'two.localhost' };
+        await assertStatement('test.inbox', { inbox: 'Test Private' }, { entity: "IN ('test5')" }, two);
     } finally {
         sql(`DELETE FROM CustomerAttribute WHERE AttribName = 'privateib'`);
         sql(`DELETE FROM CallLogPermissions WHERE type = 'Inbox' AND entityNumber = 'test1'`);
@@ -348,24 +379,27 @@ test('criteria without a place of their own follow the condition on the start', 
     ];
     const [caller, dialled] = contact("IN ('0161','O\\'Neil')");
     const contacts = { contact1: '0161', contact6: "O'Neil" };
-    for (const [report, criteria, more] of [
+    for (const [report, criteria, more, title] of [
         ['test.calls', {}, ''],
         ['test.calls', { internal: 'on', external: 'on' }, ''],
         ['test.calls', { internal: 'on' }, " AND CallLog.A_Trunk='' AND CallLog.B_Trunk='' "],
         ['test.calls', { external: 'on' }, " AND (CallLog.A_Trunk!='' OR CallLog.B_Trunk!='') "],
-        ['test.calls', { account: "P'1" }, " AND accountCode IN ('P\\'1') "],
+        ['test.calls', { account: "P'1" }, " AND accountCode IN ('P\\'1') ", "For: All where Account code: P'1"],
         ['test.calls', { trunk: trunks[0].dn }, ` AND (A_Trunk ='${trunks[0].dn}' OR B_Trunk ='${trunks[0].dn}') `],
-        ['test.calls', { trunkgroup: 'Tie lines' }, ` AND (A_Trunk IN (${tie}) OR B_Trunk IN (${tie})) `],
+        ['test.calls', { trunkgroup: 'Tie lines' }, ` AND (A_Trunk IN (${tie}) OR B_Trunk IN (${tie})) `,
+            'Filtered on: Trunk Group: Tie lines'],
         ['test.calls', { trunkgroup: '*)(cn=*' }, ` AND (A_Trunk ${kEmptyList} OR B_Trunk ${kEmptyList}) `],
         ['test.calls', { timeLimit: '30' }, ' AND callduration > 30 '],
         ['test.calls', { inOutFilter: 'Inbound' }, " AND A_Trunk<>'' AND A_Out=0 "],
         ['test.calls', { inOutFilter: 'Outbound', ddi: "0'1" },
-            " AND targetNumber='0\\'1' AND B_Trunk<>'' AND B_Out=1 "],
+            " AND targetNumber='0\\'1' AND B_Trunk<>'' AND B_Out=1 ", "Filtered on: DDI: 0'1 / Outbound"],
         ['test.contact', contacts, ` AND (${caller} OR ${dialled}) `],
         ['test.contact', { ...contacts, inOutFilter: 'Inbound' }, ` AND ${caller} AND A_Trunk<>'' AND A_Out=0 `],
         ['test.plain', { account: 'x', trunk: 'x', timeLimit: '5', inOutFilter: 'Inbound', ddi: '1', internal: 'on' }, ''],
-    ])
-        await assertStatement(report, criteria, { calls: more });
+    ]) {
+        const { page } = await assertStatement(report, criteria, { calls: more });
+        if (title) assert.ok(page.lines.includes(title), `${title}: ${page.lines}`);
+    }
 });
 
 test('a template has places of its own; what is typed stays data', async () => {

@@ -45,6 +45,8 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
     const LumoraReportQuery query(ctx, definition.query.c_str(), filter);
     UString filteredOn;
     filter.GetHeader(ctx, columns.columns(), filteredOn);
+    const UString& calls = query.GetCallTitle();
+    if (!calls.IsEmpty()) filteredOn += (filteredOn.IsEmpty() ? "" : " / ") + calls;
     criteria_ = CriteriaOf(definition.name, query, filteredOn);
     AddHeader();
 
@@ -54,7 +56,9 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
         MakeFile(run);
         return;
     }
-    const ReportLinks links(ctx, definition, filter, view_);
+    // A wallboard's day is in no criterion of the request: links name the moments.
+    const bool wallboard = !query.GetFilter().wbDrill.IsEmpty();
+    const ReportLinks links(ctx, definition, wallboard ? query.GetFilter() : filter, view_);
     const bool onScreen = view_.form == ReportView::kScreen;
     if (onScreen) AddLinks(links.here());
     Add(new LumoraReportTable(run, onScreen ? &links : nullptr));

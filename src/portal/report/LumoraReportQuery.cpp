@@ -153,18 +153,21 @@ void LumoraReportQuery::buildGroupJoinFilter(PortalContext& ctx) {
 // The conditions and names that the template asks for; their lists may be long.
 void LumoraReportQuery::buildEntity(PortalContext& ctx) {
     const bool hasInbox = !reportFilter.inboxName.IsEmpty() || !reportFilter.inboxId.IsEmpty();
+    ReportEntity entity;
     reportFilter.allUsers = false;
     if (Wants("[entity]") || Wants("[entityName]") || Wants("[subq_entity]") ||
         Wants("[allusers]") || IsTrunkReport(reportFilter) || hasInbox) {
-        const ReportEntity entity = GetChosenEntity(ctx, reportFilter);
-        entityFilter = entity.condition;
-        subqEntity = entity.subquery;
-        entityname = entity.name;
-        // A template may leave out its name conditions for all users: only who may see all.
-        reportFilter.allUsers = !entity.chosen && !entity.restricted;
-        if (reportFilter.hasAccount && !reportFilter.account.IsEmpty())
-            entityname = WithAccount(entity, reportFilter.account);
+        entity = GetChosenEntity(ctx, reportFilter);
+        // A template may leave out its conditions on people's names only for who may see all. Where
+        // the entity is a trunk, [entity2] is whom the caller may see.
+        const bool trunks = Wants("[allusers]") && IsTrunkReport(reportFilter);
+        const ReportEntity people = trunks ? GetSecondEntity(ctx, reportFilter) : entity;
+        reportFilter.allUsers = !people.chosen && !people.restricted;
     }
+    entityFilter = entity.condition;
+    subqEntity = entity.subquery;
+    const bool byAccount = reportFilter.hasAccount && !reportFilter.account.IsEmpty();
+    entityname = byAccount ? WithAccount(entity, reportFilter.account) : entity.name;
     // Never the browser's own text.
     ctx.SetWebArgument("subq_entity", subqEntity.c_str());
     escEntityName = Escaped(entityname).c_str();
