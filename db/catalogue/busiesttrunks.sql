@@ -16,8 +16,8 @@ SELECT REPLACE(REPLACE(SUBSTRING_INDEX(dn, ',', 2), 'cn=', ''), ',', ', ') AS tr
     ROUND(100 * (inseconds + outseconds) / NULLIF(SUM(inseconds + outseconds) OVER (), 0), 1)
         AS share,
     ROUND((inseconds + outseconds)
-        / (TIME_TO_SEC('[endTime]') - TIME_TO_SEC('[startTime]') + 1)
-        / (DATEDIFF([endDate], firstday) + 1), 2) AS erlangs,
+        / ((TIME_TO_SEC('[endTime]') - TIME_TO_SEC('[startTime]') + 1)
+            * (DATEDIFF([endDate], firstday) + 1)), 2) AS erlangs,
     cost
 FROM (
     SELECT customerid, dn, SUM(inbound) AS inbound, SUM(outbound) AS outbound, SUM(legs) AS legs,

@@ -8,6 +8,7 @@
 -- help: A conversation counts once, by the number of its messages in the period, in either direction. Share is its part of all conversations.
 -- help: Duration runs from the first to the last of these messages; the average is over all conversations of the length. Unanswered counts those in which no teammate wrote.
 --
+-- Messages have milliseconds: the period and the time window end with their last second in full.
 -- Only inboxes are counted, and inboxid carries [entity]: the permissions on inboxes decide.
 SELECT CASE bucket WHEN 1 THEN '1 message' WHEN 2 THEN '2 messages' WHEN 3 THEN '3 or 4'
         WHEN 4 THEN '5 to 9' ELSE '10 and more' END AS length,
@@ -21,7 +22,9 @@ FROM (
             ELSE 5 END AS bucket,
         ROUND(MAX(UNIX_TIMESTAMP(createdAt)) - MIN(UNIX_TIMESTAMP(createdAt))) AS lasts
     FROM FrontMessage
-    WHERE customerid IN('[customerSearchGroup]') AND createdAt [date] AND TIME(createdAt) [time]
+    WHERE customerid IN('[customerSearchGroup]')
+        AND createdAt BETWEEN [startDate] AND [endDate] + INTERVAL 0.999 SECOND
+        AND TIME(createdAt) BETWEEN '[startTime]' AND '[endTime].999'
         AND inboxid [entity]
         AND ('[tag]' = '' OR convid IN (
             SELECT convid

@@ -9,6 +9,7 @@
 -- help: A question is a message from outside that opens a conversation or follows an answer of ours; what the customer adds before the answer belongs to the same question. The answer is the next message that a teammate wrote in the conversation. A question that has no answer by the end of the period counts as unanswered.
 -- help: Response time runs from the question to the answer by the clock, nights and weekends included; its average is over the answered questions.
 --
+-- Messages have milliseconds: the period and the time window end with their last second in full.
 -- Only inboxes are named and counted, and inboxid carries [entity]: the permissions on inboxes decide.
 -- The window runs from the latest message back, so that the least answering moment met so far is that
 -- of the next answer.
@@ -18,7 +19,9 @@ WITH message AS (
         MIN(IF(author <> '', UNIX_TIMESTAMP(createdAt), NULL))
             OVER (later ROWS UNBOUNDED PRECEDING) AS answeredat
     FROM FrontMessage
-    WHERE customerid IN('[customerSearchGroup]') AND createdAt [date] AND inboxid [entity]
+    WHERE customerid IN('[customerSearchGroup]')
+        AND createdAt BETWEEN [startDate] AND [endDate] + INTERVAL 0.999 SECOND
+        AND inboxid [entity]
         AND ('[tag]' = '' OR convid IN (
             SELECT convid
             FROM FrontConversationTag AS t INNER JOIN FrontTag AS g
@@ -36,7 +39,7 @@ FROM (
         SUM(IF(asks, ROUND(answeredat - at), NULL)) AS responses,
         MAX(IF(asks, ROUND(answeredat - at), NULL)) AS longest
     FROM (SELECT *, author = '' AND NOT previous <=> '' AS asks FROM message) AS m
-    WHERE TIME(createdAt) [time]
+    WHERE TIME(createdAt) BETWEEN '[startTime]' AND '[endTime].999'
     GROUP BY customerid, inboxid
 ) AS volume LEFT JOIN FrontInbox AS i ON i.id = inboxid AND i.customerid = volume.customerid
 ORDER BY inbox, inboxid

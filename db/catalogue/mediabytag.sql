@@ -9,6 +9,7 @@
 -- help: A question is a message from outside that opens a conversation or follows an answer of ours; what the customer adds before the answer belongs to the same question. The answer is the next message that a teammate wrote in the conversation. A question that has no answer by the end of the period counts as unanswered.
 -- help: Response time runs from the question to the answer by the clock, nights and weekends included; its average is over the answered questions.
 --
+-- Messages have milliseconds: the period and the time window end with their last second in full.
 -- Only inboxes are named and counted, and inboxid carries [entity]: the permissions on inboxes decide.
 -- The window runs from the latest message back, so that the least answering moment met so far is that
 -- of the next answer.
@@ -18,7 +19,9 @@ WITH message AS (
         MIN(IF(author <> '', UNIX_TIMESTAMP(createdAt), NULL))
             OVER (later ROWS UNBOUNDED PRECEDING) AS answeredat
     FROM FrontMessage
-    WHERE customerid IN('[customerSearchGroup]') AND createdAt [date] AND inboxid [entity]
+    WHERE customerid IN('[customerSearchGroup]')
+        AND createdAt BETWEEN [startDate] AND [endDate] + INTERVAL 0.999 SECOND
+        AND inboxid [entity]
     WINDOW later AS (PARTITION BY customerid, convid ORDER BY createdAt DESC, id DESC)
 )
 SELECT tag, conversations, received, sent, questions, answered,
@@ -32,7 +35,7 @@ FROM (
     FROM (SELECT *, author = '' AND NOT previous <=> '' AS asks FROM message) AS m
         INNER JOIN FrontConversationTag AS t ON t.customerid = m.customerid AND t.convid = m.convid
         INNER JOIN FrontTag AS g ON g.id = t.tagid AND g.customerid = t.customerid
-    WHERE TIME(createdAt) [time] AND '[tag]' IN ('', g.name)
+    WHERE TIME(createdAt) BETWEEN '[startTime]' AND '[endTime].999' AND '[tag]' IN ('', g.name)
     GROUP BY g.name
 ) AS tagged
 ORDER BY conversations DESC, tag

@@ -11,6 +11,7 @@
 -- help: Within target counts the questions that were answered within the response time of the SLA; service level is within target / questions x 100. Without an SLA every answer is within the target.
 -- help: A question belongs to the day of the week on which it arrived in your time zone. The week begins on your company's first day and has as many days as its week.
 --
+-- Messages have milliseconds: the period and the time window end with their last second in full.
 -- Only inboxes are named and counted, and inboxid carries [entity]: the permissions on inboxes decide.
 -- The window runs from the latest message back, so that the least answering moment met so far is that
 -- of the next answer.
@@ -20,7 +21,9 @@ WITH message AS (
         MIN(IF(author <> '', UNIX_TIMESTAMP(createdAt), NULL))
             OVER (later ROWS UNBOUNDED PRECEDING) AS answeredat
     FROM FrontMessage
-    WHERE customerid IN('[customerSearchGroup]') AND createdAt [date] AND inboxid [entity]
+    WHERE customerid IN('[customerSearchGroup]')
+        AND createdAt BETWEEN [startDate] AND [endDate] + INTERVAL 0.999 SECOND
+        AND inboxid [entity]
         AND ('[tag]' = '' OR convid IN (
             SELECT convid
             FROM FrontConversationTag AS t INNER JOIN FrontTag AS g
@@ -38,7 +41,7 @@ SELECT ELT(weekday, 'Sunday', 'Monday', 'Tuesday', 'Wednesday', 'Thursday', 'Fri
 FROM (
     SELECT DAYOFWEEK(createdAt) AS weekday, ROUND(answeredat - at) AS response
     FROM message
-    WHERE author = '' AND NOT previous <=> '' AND TIME(createdAt) [time]
+    WHERE author = '' AND NOT previous <=> '' AND TIME(createdAt) BETWEEN '[startTime]' AND '[endTime].999'
 ) AS question
 WHERE (weekday + 7 - [startday]) % 7 < [weeklen]
 GROUP BY question.weekday

@@ -10,6 +10,7 @@
 -- help: Response time runs from the question to the answer by the clock, nights and weekends included; its average is over the answered questions.
 -- help: A message of somebody who is a teammate no longer stands under Former teammate.
 --
+-- Messages have milliseconds: the period and the time window end with their last second in full.
 -- inboxid carries [entity]. A caller whose permissions name teammates sees those only.
 WITH message AS (
     SELECT customerid, convid, inboxid, author, createdAt, UNIX_TIMESTAMP(createdAt) AS at,
@@ -17,7 +18,9 @@ WITH message AS (
         MIN(IF(author <> '', UNIX_TIMESTAMP(createdAt), NULL))
             OVER (later ROWS UNBOUNDED PRECEDING) AS answeredat
     FROM FrontMessage
-    WHERE customerid IN('[customerSearchGroup]') AND createdAt [date] AND inboxid [entity]
+    WHERE customerid IN('[customerSearchGroup]')
+        AND createdAt BETWEEN [startDate] AND [endDate] + INTERVAL 0.999 SECOND
+        AND inboxid [entity]
         AND ('[tag]' = '' OR convid IN (
             SELECT convid
             FROM FrontConversationTag AS t INNER JOIN FrontTag AS g
@@ -38,7 +41,7 @@ FROM (
             AS askedat
         FROM message AS m
     ) AS reply
-    WHERE author <> '' AND TIME(createdAt) [time]
+    WHERE author <> '' AND TIME(createdAt) BETWEEN '[startTime]' AND '[endTime].999'
         AND ([allteammates] OR author IN (
             SELECT entityNumber FROM CallLogPermissions
             WHERE contactid = '[contactID]' AND customerid IN('[customerSearchGroup]')

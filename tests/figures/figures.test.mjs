@@ -58,6 +58,7 @@ const kReaders = [
         user: 'manager',
         ...kMonth,
         criteria: { begintime: '0900', endtime: '1700' },
+        hours: ['09:00:00', '17:00:59'],
         legs: `TIME(gmtdatetime) >= '09:00:00' AND TIME(gmtdatetime) < '17:01:00'`,
     },
     { what: 'a busy day in New York', user: 'zoned', span: [busyDay, busyDay] },
@@ -71,12 +72,12 @@ const kReaders = [
     { what: 'a year before the first call', user: 'manager', span: ['2012-01-01', '2012-12-31'] },
 ];
 
-async function assertReads(report, { what, user, host, customer, span, criteria, legs }) {
+async function assertReads(report, { what, user, host, customer, span, criteria, legs, hours }) {
     const [first, last] = span;
     const entities = user === 'restricted' ? permittedTo(user, report.offers) : undefined;
     const [page, expected] = await Promise.all([
         runReport(report.name, { ...report.arguments, startDate: first, endDate: last, ...criteria }, { user, host }),
-        figures(report, { first, last, zone: zoneOf(user), customer, legs, entities }),
+        figures(report, { first, last, zone: zoneOf(user), customer, legs, hours, entities }),
     ]);
     assertShows(page, expected, what);
     assert.equal(page.lines[0], report.title);

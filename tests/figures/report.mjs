@@ -24,7 +24,7 @@ export const catalogue = readdirSync(kCatalogue)
             name,
             title: setting('name'),
             columns: readColumns(name),
-            offers: { user: setting('opt_user') === '1', department: setting('opt_department') === '1' },
+            offers: { user: setting('opt_user') === '1', department: setting('opt_department') === '1', inbox: setting('opt_inbox') === '1' },
             keys: [setting('multikeyfield'), setting('multikeyfield2')].filter(Boolean),
             keyTitle: setting('multititle'),
             ...{ arguments: {}, variables: '', ...criteria[name] },
@@ -154,17 +154,22 @@ export function periods(day, weekLength) {
     };
 }
 
-const kLegs = readFileSync(new URL('prelude/legs.sql', kFigures), 'utf8');
+const prelude = (name) => readFileSync(new URL(`prelude/${name}.sql`, kFigures), 'utf8');
 
 /** The directory entries, { type: 'User' or 'Department', name, number }, that a restricted user of customer
  * 1 may see and a report counts, which it does by users, by departments or by both. */
-export function permittedTo(user, { department, user: people }) {
+export function permittedTo(user, { department, user: people, inbox }) {
+    const contact = `p.contactid = (SELECT id FROM CustomerContact WHERE username = '${user}')`;
+    if (inbox)
+        return sql(`SELECT 'Inbox' AS type, name, id AS number FROM FrontInbox AS i INNER JOIN CallLogPermissions AS p
+            ON p.entityNumber = i.id AND p.customerid = i.customerid AND p.type = 'Inbox' AND p.logging = 1 AND ${contact}
+            WHERE i.customerid = 1 ORDER BY name`);
     const kinds = people && !department ? ['User'] : department && !people ? ['Department'] : ['User', 'Department'];
     return kinds.flatMap((type) =>
         sql(`SELECT '${type}' AS type, cn AS name, telephoneNumber AS number FROM LDAP${type}s AS d
             INNER JOIN CallLogPermissions AS p ON p.entityNumber = d.telephoneNumber AND p.customerid = d.customerid
                 AND p.type = '${type}' AND p.logging = 1
-                AND p.contactid = (SELECT id FROM CustomerContact WHERE username = '${user}')
+                AND ${contact}
             WHERE d.customerid = 1 ORDER BY cn`),
     );
 }
@@ -183,10 +188,14 @@ const quoted = (texts) =>
 
 // A temporary table hides the real one of its name from this session: a directory of these entities.
 const smallDirectory = (entities) =>
-    ['User', 'Department'].map((type) => {
-        const numbers = quoted(entities.filter((entry) => entry.type === type).map(({ number }) => number));
-        return `CREATE TEMPORARY TABLE LDAP${type}s AS SELECT * FROM LDAP${type}s
-            WHERE customerid = @customer AND telephoneNumber IN (${numbers});`;
+    [
+        ['User', 'LDAPUsers', 'telephoneNumber'],
+        ['Department', 'LDAPDepartments', 'telephoneNumber'],
+        ['Inbox', 'FrontInbox', 'id'],
+    ].map(([kind, table, column]) => {
+        const numbers = quoted(entities.filter(({ type }) => type === kind).map(({ number }) => number));
+        return `CREATE TEMPORARY TABLE ${table} AS SELECT * FROM ${table}
+            WHERE customerid = @customer AND ${column} IN (${numbers});`;
     });
 
 // Legs that do not count lie outside the period; they still tell where a call began.
@@ -199,19 +208,23 @@ const smallLog = (legs) =>
  * shown() has them; no totals without rows. `legs` is an SQL condition on the legs of the log that count.
  * `entities` are those whom the reader may see, everybody unless given.
  */
-export async function figures(report, { first, last, zone, customer = 1, legs = 'TRUE', entities }) {
+export async function figures(report, { first, last, zone, customer = 1, legs = 'TRUE', hours = ['00:00:00', '23:59:59'], entities }) {
     const query = readFileSync(new URL(`${report.name}.sql`, kFigures), 'utf8');
     const utc = (day) => `TIMESTAMP('1970-01-01') + INTERVAL UNIX_TIMESTAMP('${day} 00:00:00') SECOND`;
     const counted = entities ? `(${legs}) AND ${legsOf(entities)}` : legs;
-    const prelude = [
-        `SET time_zone = '${zone}', @customer = ${customer};`,
+    const uses = (...tables) => new RegExp(`(?<!\\w)(${tables.join('|')})\\b`).test(query);
+    const preparations = [
+        `SET time_zone = '${zone}', @customer = ${customer}, @begins = '${hours[0]}', @ends = '${hours[1]}';`,
         `SET @from = ${utc(first)}, @to = ${utc(shift(last, 1))};`,
         report.variables,
         ...(entities ? smallDirectory(entities) : []),
-        counted !== 'TRUE' && /\bCallLog\b/.test(query) ? smallLog(counted) : '',
-        /\bLeg\b/.test(query) ? `${kLegs} DELETE FROM Leg WHERE NOT (${counted});` : '',
+        counted !== 'TRUE' && uses('CallLog', 'Part', 'Busy') ? smallLog(counted) : '',
+        uses('Leg', 'Part', 'Busy') ? `${prelude('legs')} DELETE FROM Leg WHERE NOT (${counted});` : '',
+        uses('Part', 'Busy') ? prelude('parts') : '',
+        uses('Message', 'Question') ? prelude('messages') : '',
+        uses('@markup', '@vatrate') ? prelude('rates') : '',
     ];
-    const raw = await sqlLater(prelude.join('\n') + query);
+    const raw = await sqlLater(preparations.join('\n') + query);
     const shownRow = (row) => report.columns.map(({ field, style }) => display(style, row[field]));
     const totalsOf = (rows) => report.columns.map((column, i) => total(column, i, rows));
     return {

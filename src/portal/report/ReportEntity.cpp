@@ -156,12 +156,18 @@ ReportEntity GetMatchingEntities(PortalContext& ctx, const std::vector<PluralKin
 constexpr char kCapacityReport[] = "trunkcapacity";
 constexpr char kCapacityDrill[] = "trunkcapdrill";
 
-// The customer's trunks, or every trunk that carried a call.
+// The customer's trunks, or every trunk that carried a call. A caller who may not see everybody's
+// calls may not see what they add up to either: the template asks "[allusers]".
 ReportEntity GetTrunkEntity(PortalContext& ctx, const LumoraReportFilter& filter) {
-    if (filter.report == kCapacityDrill) return {"<>''", "<>''", "All Active System Trunks"};
-    NameQuery trunks(ctx, /*everything=*/true);
-    trunks.Add(kTrunks);
-    return trunks.Run("All System Trunks");
+    ReportEntity entity = {"<>''", "<>''", "All Active System Trunks"};
+    if (filter.report != kCapacityDrill) {
+        NameQuery trunks(ctx, /*everything=*/true);
+        trunks.Add(kTrunks);
+        entity = trunks.Run("All System Trunks");
+    }
+    entity.restricted = !filter.allowAllRecords &&
+                        (IsRestricted(ctx, kUsers) || IsRestricted(ctx, kDepartments));
+    return entity;
 }
 
 }  // namespace
