@@ -58,7 +58,8 @@ test('the demo has somebody to hide, and no report names them', async () => {
         ['R&D <Labs>', 'Support'],
     );
     assert.ok(permitted.length > 10 && others.length > 100);
-    for (const report of catalogue) {
+    // Who answers in a shared inbox is for permissions of another type, which this user has none of.
+    for (const report of catalogue.filter(({ offers }) => !offers.inbox)) {
         const page = await runReport(report.name, { ...report.arguments, reportPeriod: '90days' }, kUser);
         assert.deepEqual(page.warnings, [], report.name);
         assertTellsNothing(page.html, report.name);
@@ -122,13 +123,21 @@ test('no other argument, and no session of a manager, widens what is seen', asyn
         { entity: 'IS NOT NULL' },
         { group: '1' },
         { company: 'x' },
-        { A_searchtype: 'user', A_suggest1: others[0].name },
         { var: others[0].name, field: 'user' },
         { wbDrill: '1' },
         { sessionId },
     ];
+    // A name of nobody whom the permissions admit, and a choice that the reports do not offer.
+    const narrower = [
+        { searchtype: 'freetext', suggest1: others[0].name },
+        { A_searchtype: 'user', A_suggest1: others[0].name },
+    ];
     await onOneDay(zone, async (day) => {
         for (const report of examples) {
+            for (const more of narrower) {
+                const page = await runReport(report.name, { reportPeriod: '90days', ...more }, kUser);
+                assert.deepEqual(page.rows, [], `${report.name} ${JSON.stringify(more)}`);
+            }
             const visible = permittedTo('restricted', report.offers);
             const expected = await permittedFigures(report, periods(day, 5)['90days'], visible);
             for (const more of wider) {

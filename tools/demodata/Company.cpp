@@ -196,7 +196,7 @@ void AddOutside(Company& company) {
                                  "Harlow Plastics",  "Kingsway Garage",  "Lindqvist Möbel",
                                  "Moss Street Bank", "Redwood Catering", "Stanway Print",
                                  "Tidewell Dental",  "Upton Couriers",   "\"Zenith\" Cleaning",
-                                 "Müller & Söhne",   "\"50% off\" shop", "<Sales> Direct",
+                                 "Müller & Söhne",   "\"50% off\" shop", "<Office> Direct",
                                  "[Depot] Nord",     "Chloé's Café"};
     int number = 100;
     for (const char* name : names) {

@@ -12,6 +12,7 @@
 #include "portal/report/ReportGroup.h"
 #include "portal/report/ReportPeriod.h"
 #include "portal/report/ReportPlaceholders.h"
+#include "portal/report/ReportTrunks.h"
 
 namespace {
 

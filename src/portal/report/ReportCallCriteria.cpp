@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <vector>
 
-#include "cgiFramework/LDAPDropDown.h"
 #include "common/Parse.h"
-#include "common/ThrowText.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportFilter.h"
 #include "portal/report/ReportEntity.h"
 #include "portal/report/ReportPlaceholders.h"
+#include "portal/report/ReportTrunks.h"
 
 namespace {
 
@@ -25,46 +24,12 @@ constexpr char kCallerSql[] = "AND (A_Name [entity] OR a_num [entity] or a_short
 constexpr char kDialledSql[] =
     "AND (B_Name [entity] OR B_RemoteName [entity] OR B_Num [entity] or B_Shortnum [entity])";
 
-constexpr char kTrunksOfGroup[] = "(&(objectclass=Trunk)(trunkGroup=%s))";
-constexpr char kModules[] = "cn=Modules";
-
 constexpr UString Filter::*kContacts[] = {&Filter::contact,  &Filter::contact1, &Filter::contact2,
                                           &Filter::contact3, &Filter::contact4, &Filter::contact5,
                                           &Filter::contact6};
 
-// "cn=ISDN 1,cn=Gateway A,cn=Modules" is ISDN 1 to people.
-UString TrunkName(const UString& dn) {
-    const std::string_view text = dn.c_str();
-    const size_t begin = text.find('=') + 1;
-    return std::string(text.substr(begin, text.find(',', begin) - begin)).c_str();
-}
-
 std::string Quoted(const UString& text) {
     return SqlText("'%s'", SqlQuoted(text)).c_str();
-}
-
-// The trunks of a group, by their names in the directory. One that serves several customers is no
-// other customer's secret: only the own calls are searched for it.
-std::vector<std::string> TrunksOfGroup(PortalContext& ctx, const UString& group) {
-    UString name;
-    name.SlashHex(group.c_str());
-    UString search;
-    search.Format(kTrunksOfGroup, name.c_str());
-    LDAPSession* session = nullptr;
-    try {
-        session = ctx.GetLDAPSession(/*existingOnly=*/false);
-    } catch (const char*) {
-        session = nullptr;  // reported where it was thrown
-    }
-    LDAPDropDownValue trunks;
-    if (session == nullptr || !trunks.Search(*session, kModules, search.c_str(), "dn"))
-        ThrowText(
-            "The trunks of the group cannot be found, because the directory does not answer. "
-            "Please try again, or choose a single trunk.");
-    std::vector<std::string> quoted;
-    for (const LDAPDropDownChoice& trunk : trunks.choices)
-        quoted.push_back(Quoted(trunk.value.c_str()));
-    return quoted;
 }
 
 class Builder {

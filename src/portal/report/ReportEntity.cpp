@@ -5,6 +5,7 @@
 #include "portal/report/LumoraReportFilter.h"
 #include "portal/report/ReportEntitySource.h"
 #include "portal/report/ReportGroup.h"
+#include "portal/report/ReportTrunks.h"
 
 namespace {
 
@@ -152,24 +153,6 @@ ReportEntity GetMatchingEntities(PortalContext& ctx, const std::vector<PluralKin
     return matching;
 }
 
-// The reports of the lines' capacity are about trunks, not about people.
-constexpr char kCapacityReport[] = "trunkcapacity";
-constexpr char kCapacityDrill[] = "trunkcapdrill";
-
-// The customer's trunks, or every trunk that carried a call. A caller who may not see everybody's
-// calls may not see what they add up to either: the template asks "[allusers]".
-ReportEntity GetTrunkEntity(PortalContext& ctx, const LumoraReportFilter& filter) {
-    ReportEntity entity = {"<>''", "<>''", "All Active System Trunks"};
-    if (filter.report != kCapacityDrill) {
-        NameQuery trunks(ctx, /*everything=*/true);
-        trunks.Add(kTrunks);
-        entity = trunks.Run("All System Trunks");
-    }
-    entity.restricted = !filter.allowAllRecords &&
-                        (IsRestricted(ctx, kUsers) || IsRestricted(ctx, kDepartments));
-    return entity;
-}
-
 }  // namespace
 
 ReportEntity GetUserEntity(PortalContext& ctx, const UString& name, bool everything) {
@@ -287,10 +270,6 @@ ReportEntity GetSecondEntity(PortalContext& ctx, const LumoraReportFilter& filte
     if (!filter.department2.IsEmpty()) return GetDeptEntity(ctx, filter.department2, everything);
     if (!filter.group2.IsEmpty()) return GetGroupEntity(ctx, filter.group2, everything);
     return GetAllEntities(ctx, kPeople, everything);
-}
-
-bool IsTrunkReport(const LumoraReportFilter& filter) {
-    return filter.report == kCapacityReport || filter.report == kCapacityDrill;
 }
 
 bool SeesAllTeammates(PortalContext& ctx) {

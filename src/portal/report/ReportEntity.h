@@ -48,9 +48,6 @@ ReportEntity GetChosenEntity(PortalContext& ctx, const LumoraReportFilter& filte
 // The same of the report's second choice, "Show:".
 ReportEntity GetSecondEntity(PortalContext& ctx, const LumoraReportFilter& filter);
 
-// Is the report about the customer's trunks? Its entity then is a condition on a trunk's name.
-bool IsTrunkReport(const LumoraReportFilter& filter);
-
 // May the caller see every teammate of the shared inbox?
 bool SeesAllTeammates(PortalContext& ctx);
 

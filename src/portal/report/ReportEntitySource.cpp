@@ -26,7 +26,6 @@ SqlFragment OfCustomers(PortalContext& ctx) {
 }  // namespace
 
 bool IsRestricted(PortalContext& ctx, const EntitySource& source) {
-    if (source.number == nullptr) return false;
     const std::string right = source.right;
     SQLSession db(ctx.GetSQLSession());
     db.Query(SqlText(kPermissionsSql, ctx.contactId, SqlQuoted(ctx.customerIdString),

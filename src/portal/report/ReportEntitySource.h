@@ -9,7 +9,7 @@ class PortalContext;
 struct EntitySource {
     const char* table;    // with the column customerid
     const char* name;     // the column that calls refer to
-    const char* number;   // the column that permissions refer to; null: nobody is limited
+    const char* number;   // the column that permissions refer to
     const char* type;     // of the permissions
     const char* right;    // which of their flags admits
     const char* refusal;  // the name of one whom the caller may not see
@@ -28,7 +28,6 @@ inline constexpr EntitySource kAgents = {
 inline constexpr EntitySource kInboxes = {"FrontInbox", "id",      "id",
                                           "Inbox",      "logging", "No permission for inbox"};
 inline constexpr EntitySource kTeammates = {"FrontTeammate", "id", "id", "Teammate", "logging", ""};
-inline constexpr EntitySource kTrunks = {"LDAPTrunks", "dn", nullptr, "", "", ""};
 
 // Do the caller's permissions limit the kind? Those for recordings count when that is asked, though
 // they admit nobody; so does any row of the type that carries the kind's own right.
