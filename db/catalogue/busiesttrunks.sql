@@ -10,7 +10,8 @@
 --
 -- A leg counts when a permitted party took part, as in Calls by Day; who may see everybody also sees
 -- what belongs to nobody in the directory. No party is shown.
-SELECT REPLACE(REPLACE(SUBSTRING_INDEX(dn, ',', 2), 'cn=', ''), ',', ', ') AS trunk, dn,
+SELECT REPLACE(CONCAT(REPLACE(SUBSTRING_INDEX(dn, ',', 2), ',cn=', ' ('),
+        IF(dn LIKE '%,%', ')', '')), 'cn=', '') AS trunk, dn,
     inbound, outbound, legs, inseconds, outseconds, inseconds + outseconds AS inuse,
     SUM(inseconds + outseconds) OVER () AS allseconds,
     ROUND(100 * (inseconds + outseconds) / NULLIF(SUM(inseconds + outseconds) OVER (), 0), 1)

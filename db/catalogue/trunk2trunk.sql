@@ -10,14 +10,14 @@
 --
 -- Neither party is shown. A call counts when the department that it is booked to carries [entity];
 -- for who may see everybody it counts in any case.
-SELECT CONCAT(REPLACE(REPLACE(SUBSTRING_INDEX(origin, ',', 2), 'cn=', ''), ',', ', '), ' - ',
-        REPLACE(REPLACE(SUBSTRING_INDEX(way, ',', 2), 'cn=', ''), ',', ', ')) AS route,
-    REPLACE(REPLACE(SUBSTRING_INDEX(origin, ',', 2), 'cn=', ''), ',', ', ') AS fromtrunk,
-    REPLACE(REPLACE(SUBSTRING_INDEX(way, ',', 2), 'cn=', ''), ',', ', ') AS totrunk,
+SELECT CONCAT(origin, ' - ', way) AS route, origin AS fromtrunk, way AS totrunk,
     legs, answered, ROUND(100 * answered / legs, 1) AS answeredpct, wait,
     ROUND(wait / NULLIF(answered, 0)) AS avgwait, talk, inuse, cost
 FROM (
-    SELECT customerid, A_Trunk AS origin, B_Trunk AS way, COUNT(*) AS legs,
+    SELECT customerid, REPLACE(CONCAT(REPLACE(SUBSTRING_INDEX(A_Trunk, ',', 2), ',cn=', ' ('),
+            IF(A_Trunk LIKE '%,%', ')', '')), 'cn=', '') AS origin,
+        REPLACE(CONCAT(REPLACE(SUBSTRING_INDEX(B_Trunk, ',', 2), ',cn=', ' ('),
+            IF(B_Trunk LIKE '%,%', ')', '')), 'cn=', '') AS way, COUNT(*) AS legs,
         SUM(hasconnected) AS answered,
         SUM(IF(hasconnected, callduration - callconnected, 0)) AS wait,
         SUM(callconnected) AS talk, 2 * SUM(callduration) AS inuse, SUM(totalcost) AS cost

@@ -23,7 +23,7 @@ WITH leg AS (
         UNIX_TIMESTAMP(gmtdatetime) - TIME_TO_SEC(gmtdatetime) % 3600 AS hourstart
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
-        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2) AND callduration > 0
+        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
         AND ([allusers] OR A_Name [entity2] OR B_Name [entity2] OR origCostCentre [entity2]
             OR (B_RemoteName [entity2] AND B_Remote NOT LIKE '!%'))
 ), seizure AS (
@@ -48,7 +48,8 @@ WITH leg AS (
     FROM course
     GROUP BY dn, hourstart
 )
-SELECT REPLACE(REPLACE(SUBSTRING_INDEX(dn, ',', 2), 'cn=', ''), ',', ', ') AS trunk, dn, day,
+SELECT REPLACE(CONCAT(REPLACE(SUBSTRING_INDEX(dn, ',', 2), ',cn=', ' ('),
+        IF(dn LIKE '%,%', ')', '')), 'cn=', '') AS trunk, dn, day,
     SUM(calls) AS calls, MAX(peak) AS peak, TIME_FORMAT(FROM_UNIXTIME(MAX(peakhour)), '%H:%i')
         AS peakat,
     TIME_FORMAT(FROM_UNIXTIME(MAX(busyhour)), '%H:%i') AS busyat,
@@ -61,7 +62,7 @@ FROM (
         FIRST_VALUE(hourstart) OVER (PARTITION BY dn, DATE(FROM_UNIXTIME(hourstart))
             ORDER BY inuse DESC, hourstart) AS busyhour
     FROM hourly
-    WHERE peak > 0
+    WHERE peak > 0 OR calls > 0
 ) AS used
 GROUP BY dn, day
 ORDER BY dn, day

@@ -24,7 +24,7 @@ WITH leg AS (
         UNIX_TIMESTAMP(gmtdatetime) - TIME_TO_SEC(gmtdatetime) % 3600 AS hourstart
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
-        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2) AND callduration > 0
+        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
         AND ([allusers] OR A_Name [entity2] OR B_Name [entity2] OR origCostCentre [entity2]
             OR (B_RemoteName [entity2] AND B_Remote NOT LIKE '!%'))
 ), seizure AS (
@@ -49,9 +49,10 @@ WITH leg AS (
     FROM course
     GROUP BY dn, hourstart
 )
-SELECT REPLACE(REPLACE(SUBSTRING_INDEX(dn, ',', 2), 'cn=', ''), ',', ', ') AS trunk,
+SELECT REPLACE(CONCAT(REPLACE(SUBSTRING_INDEX(dn, ',', 2), ',cn=', ' ('),
+        IF(dn LIKE '%,%', ')', '')), 'cn=', '') AS trunk,
     DATE(FROM_UNIXTIME(hourstart)) AS day, TIME_FORMAT(FROM_UNIXTIME(hourstart), '%H:%i') AS hour,
     calls, peak, ROUND(inuse / 3600, 2) AS erlangs, inuse
 FROM hourly
-WHERE peak > 0
+WHERE peak > 0 OR calls > 0
 ORDER BY dn, hourstart

@@ -19,7 +19,7 @@ WITH leg AS (
         UNIX_TIMESTAMP(gmtdatetime) - TIME_TO_SEC(gmtdatetime) % 3600 AS hourstart
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
-        AND TIME(gmtdatetime) [time] AND B_Remote LIKE '!%' AND callduration > 0
+        AND TIME(gmtdatetime) [time] AND B_Remote LIKE '!%'
         AND ([allusers] OR A_Name [entity] OR B_Name [entity] OR origCostCentre [entity])
 ), event AS (
     SELECT since AS moment, 1 AS step, taken, collected, NOT taken AND NOT collected AS played
@@ -52,7 +52,7 @@ FROM (
         FIRST_VALUE(hourstart) OVER (PARTITION BY DATE(FROM_UNIXTIME(hourstart))
             ORDER BY inuse DESC, hourstart) AS busyhour
     FROM hourly
-    WHERE peak > 0
+    WHERE peak > 0 OR taken + collected + played > 0
 ) AS used
 GROUP BY day
 ORDER BY day

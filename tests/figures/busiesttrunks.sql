@@ -11,8 +11,8 @@ WITH used AS (
         (SELECT MIN(DATE(gmtdatetime)) FROM Leg WHERE A_Trunk <> '' OR B_Trunk <> '')))
         * (1 + TIME_TO_SEC(@ends) - TIME_TO_SEC(@begins)) AS seconds
 )
-SELECT CONCAT(TRIM(LEADING 'cn=' FROM SUBSTRING_INDEX(dn, ',', 1)), ', ',
-        TRIM(LEADING 'cn=' FROM SUBSTRING_INDEX(SUBSTRING_INDEX(dn, ',', 2), ',', -1))) AS trunk, dn,
+SELECT CONCAT(SUBSTR(SUBSTRING_INDEX(dn, ',', 1), 4), ' (',
+        SUBSTR(SUBSTRING_INDEX(SUBSTRING_INDEX(dn, ',', 2), ',', -1), 4), ')') AS trunk, dn,
     inbound, outbound, legs, inseconds, outseconds, inseconds + outseconds AS inuse,
     (SELECT SUM(inseconds + outseconds) FROM used) AS allseconds,
     ROUND((inseconds + outseconds) * 100 / (SELECT SUM(inseconds + outseconds) FROM used), 1) AS share,

@@ -226,11 +226,12 @@ export async function figures(report, { first, last, zone, customer = 1, legs = 
     ];
     const raw = await sqlLater(preparations.join('\n') + query);
     const shownRow = (row) => report.columns.map(({ field, style }) => display(style, row[field]));
-    const totalsOf = (rows) => report.columns.map((column, i) => total(column, i, rows));
+    const totalled = raw.length > 0 && report.columns.some((column) => column.total);
+    const totalsOf = (rows) => (totalled ? report.columns.map((column, i) => total(column, i, rows)) : undefined);
     return {
         rows: raw.map(shownRow),
         series: seriesOf(report, raw).map(({ title, rows }) => ({ title, rows: rows.map(shownRow), totals: totalsOf(rows) })),
-        totals: raw.length > 0 ? totalsOf(raw) : undefined,
+        totals: totalsOf(raw),
     };
 }
 
@@ -238,7 +239,7 @@ export async function figures(report, { first, last, zone, customer = 1, legs = 
 function seriesOf({ keys, keyTitle }, raw) {
     const series = [];
     for (const row of keys.length > 0 ? raw : []) {
-        const key = keys.map((field) => row[field] ?? '').join(' - ');
+        const key = keys.map((field) => row[field] ?? '').join(', ');
         const title = keyTitle ? `${keyTitle}: ${key}` : key;
         if (series.at(-1)?.title !== title) series.push({ title, rows: [] });
         series.at(-1).rows.push(row);

@@ -1,6 +1,6 @@
 WITH trunk AS (
-    SELECT dn, CONCAT(TRIM(LEADING 'cn=' FROM SUBSTRING_INDEX(dn, ',', 1)), ', ',
-        TRIM(LEADING 'cn=' FROM SUBSTRING_INDEX(SUBSTRING_INDEX(dn, ',', 2), ',', -1))) AS name
+    SELECT dn, CONCAT(SUBSTR(SUBSTRING_INDEX(dn, ',', 1), 4), ' (',
+        SUBSTR(SUBSTRING_INDEX(SUBSTRING_INDEX(dn, ',', 2), ',', -1), 4), ')') AS name
     FROM LDAPTrunks WHERE customerId = @customer
 )
 SELECT CONCAT(origin.name, ' - ', way.name) AS route, origin.name AS fromtrunk, way.name AS totrunk,

@@ -1,6 +1,6 @@
 -- Part and Busy: the trunks' use by hours.
-SELECT CONCAT(TRIM(LEADING 'cn=' FROM SUBSTRING_INDEX(line, ',', 1)), ', ',
-        TRIM(LEADING 'cn=' FROM SUBSTRING_INDEX(SUBSTRING_INDEX(line, ',', 2), ',', -1))) AS trunk,
+SELECT CONCAT(SUBSTR(SUBSTRING_INDEX(line, ',', 1), 4), ' (',
+        SUBSTR(SUBSTRING_INDEX(SUBSTRING_INDEX(line, ',', 2), ',', -1), 4), ')') AS trunk,
     line AS dn, day, SUM(calls) AS calls, MAX(peak) AS peak,
     (SELECT TIME_FORMAT(FROM_UNIXTIME(hour), '%H:%i') FROM Busy AS b WHERE b.line = Busy.line AND b.day = Busy.day
         ORDER BY peak DESC, hour LIMIT 1) AS peakat,

@@ -16,13 +16,13 @@ WITH used AS (
 )
 SELECT line, hour, GREATEST(since, hour) AS since, LEAST(since + callduration, hour + 3600) AS til,
     begun AND since >= hour AS begun, service
-FROM used INNER JOIN hours ON since < hour + 3600 AND since + callduration > hour
+FROM used INNER JOIN hours ON since < hour + 3600 AND (since >= hour OR since + callduration > hour)
 WHERE since >= TIMESTAMPDIFF(SECOND, '1970-01-01', @from)
     AND since < TIMESTAMPDIFF(SECOND, '1970-01-01', @to);
 -- The table Busy: each hour of each line. The peak is reached where a use begins, or on the hour.
 CREATE TEMPORARY TABLE Busy AS
 SELECT line, hour, DATE(FROM_UNIXTIME(hour)) AS day, SUM(begun) AS calls, SUM(til - since) AS inuse,
     MAX((SELECT COUNT(*) FROM Part AS other WHERE other.line = Part.line AND other.hour = Part.hour
-        AND Part.since BETWEEN other.since AND other.til - 1)) AS peak
+        AND other.since <= Part.since AND Part.since < other.til)) AS peak
 FROM Part
 GROUP BY line, hour;
