@@ -52,5 +52,12 @@ UString HtmlAttr(const char* text) {
 }
 
 void AppendHtmlText(std::string& out, std::string_view text) {
-    AppendEscaped(out, text, kTextEscapes);
+    // Without an exit from the loop the compiler looks at many characters at once.
+    bool needsEscapes = false;
+    for (const char c : text)
+        needsEscapes |= c == '&' || c == '<' || c == '>';
+    if (needsEscapes)
+        AppendEscaped(out, text, kTextEscapes);
+    else
+        out.append(text);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -148,11 +149,16 @@ void XlsxBook::NoteFurtherSheets() {
     if (sheets_.size() < 2) return;
     const std::string last = std::to_string(sheets_.size());
     const std::string text =
-        "This sheet is full: the report goes on on " +
+        "This sheet is full: the report continues on " +
         (sheets_.size() == 2 ? "sheet \"Report 2\"."
                              : "the sheets \"Report 2\" to \"Report " + last + "\".");
-    worksheet_write_comment(sheets_.front(), 0, 0, text.c_str());
-    worksheet_show_comments(sheets_.front());
+    lxw_worksheet* sheet = sheets_.front();
+    // A sheet that is written row by row takes nothing more for its first one; comments are kept
+    // apart from the rows, so that is no reason to refuse them.
+    const uint8_t optimized = std::exchange(sheet->optimize, uint8_t{LXW_FALSE});
+    worksheet_write_comment(sheet, 0, 0, text.c_str());
+    sheet->optimize = optimized;
+    worksheet_show_comments(sheet);
 }
 
 void XlsxBook::AddNotes(const XlsxModuleNote* notes, size_t count) {

@@ -29,7 +29,7 @@ export function account(who) {
 }
 
 /**
- * Asks the portal and resolves to { status, headers, text }; redirects are not followed.
+ * Asks the portal and resolves to { status, headers, text, bytes }; redirects are not followed.
  * `what` is an object of arguments, a query string, or a path of the site when it begins with "/".
  * Options: `user` (a demo user, { name, password }, or null for nobody; 'manager' unless told),
  * `cookies` (an object), `host` (of another customer), `method`, `headers`, and `body`, which is sent
@@ -58,8 +58,10 @@ export function get(what = {}, { user = 'manager', cookies, host, method, header
             const parts = [];
             response.on('data', (part) => parts.push(part));
             response.on('error', reject);
-            response.on('end', () => resolve({ status: response.statusCode, headers: response.headers,
-                text: Buffer.concat(parts).toString() }));
+            response.on('end', () => {
+                const bytes = Buffer.concat(parts);
+                resolve({ status: response.statusCode, headers: response.headers, bytes, text: bytes.toString() });
+            });
         });
         // A server that answers before it has read the whole body closes the way to it; then the
         // answer has already settled this promise.

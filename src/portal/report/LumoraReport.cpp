@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "cgiFramework/QueryTiming.h"
 #include "common/Html.h"
 #include "common/Log.h"
 #include "portal/context/PortalContext.h"
@@ -38,9 +39,11 @@ std::vector<ReportCriterion> CriteriaOf(const UString& name, const LumoraReportQ
 }  // namespace
 
 LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definition,
-                           const LumoraReportFilter& filter)
-    : view_(ctx) {
+                           const LumoraReportFilter& filter) {
+    const char* benchmarkLog = ctx.GetSetting("benchmarklog");
+    if (*benchmarkLog != '\0') OpenBenchmarkLog(benchmarkLog);
     const LumoraReportSQLCol columns(ctx.dirname.c_str(), definition.reportFile.c_str());
+    view_ = ReportView(ctx, columns);
     columnCount_ = columns.count();
     const LumoraReportQuery query(ctx, definition.query.c_str(), filter);
     UString filteredOn;

@@ -39,8 +39,8 @@ class LumoraReport : public WebItem {
     void AddLinks(const std::string& here);
     void MakeFile(const ReportRun& run);
 
-    const ReportView view_;
+    ReportView view_;
     std::vector<ReportCriterion> criteria_;  // the first is the report's name
-    int columnCount_;
+    int columnCount_ = 0;
     std::unique_ptr<ReportFile> file_;
 };

@@ -5,6 +5,7 @@
 #include "common/Html.h"
 #include "common/Log.h"
 #include "portal/context/PortalContext.h"
+#include "portal/report/LumoraReportGraphBuilder.h"
 #include "portal/report/ReportDefinition.h"
 #include "portal/report/ReportFacts.h"
 #include "portal/report/ReportMessage.h"
@@ -20,6 +21,16 @@ ReportTableLayout LayoutOf(const ReportRun& run, const ReportLinks* links) {
     layout.seriesTitle = run.definition.multititle;
     layout.seriesKeys = {run.definition.multikeyfield, run.definition.multikeyfield2};
     return layout;
+}
+
+// One a column of the definition.
+std::vector<ReportCellLink> CellLinks(const LumoraReportSQLCol& columns,
+                                      const std::vector<std::string_view>& names,
+                                      const ReportLinks* links) {
+    std::vector<ReportCellLink> cellLinks;
+    for (const ReportColumn& column : MatchReportColumns(columns, names))
+        cellLinks.emplace_back(links, column, names);
+    return cellLinks;
 }
 
 std::string GrandTotal(const PortalContext& ctx, ReportDecimal sum) {
@@ -48,7 +59,8 @@ std::string HelpText(const UString& help) {
 
 }  // namespace
 
-LumoraReportTable::LumoraReportTable(const ReportRun& run, const ReportLinks* links) {
+LumoraReportTable::LumoraReportTable(const ReportRun& run, const ReportLinks* links)
+    : forPaper_(run.view.form == ReportView::kPrint), graphOnly_(run.view.graphOnly) {
     if (run.columns.dropped() > 0) {
         UString text;
         text.Format("The column file of this report has %d columns; the first %d are shown.",
@@ -58,8 +70,15 @@ LumoraReportTable::LumoraReportTable(const ReportRun& run, const ReportLinks* li
     WriteResult(run, links);
 }
 
-void LumoraReportTable::Render(WebContext&, WebRender* out) {
-    spool_.SendTo(*out);
+LumoraReportTable::~LumoraReportTable() = default;
+
+void LumoraReportTable::Render(WebContext& ctx, WebRender* out) {
+    if (graph_ != nullptr && forPaper_)
+        graph_->RenderImage(ctx, out);
+    else if (graph_ != nullptr)
+        graph_->Render(ctx, out);
+    // Where there is nothing to draw, the table tells what there is.
+    if (graph_ == nullptr || !graphOnly_) spool_.SendTo(*out);
 }
 
 void LumoraReportTable::WriteResult(const ReportRun& run, const ReportLinks* links) {
@@ -68,10 +87,19 @@ void LumoraReportTable::WriteResult(const ReportRun& run, const ReportLinks* lin
         ReportRows rows(run.ctx, run.query);
         table.emplace(run.columns, rows.names(), spool_, LayoutOf(run, links));
         ReportCallCounts counts(rows.names());
+        LumoraReportGraphBuilder graph(run.columns, rows.names(), run.definition.format.c_str(),
+                                       run.definition.multikeyfield.c_str());
+        const std::vector<ReportCellLink> cellLinks = CellLinks(run.columns, rows.names(), links);
+        graph.SetLinks([&](const LumoraSQLColumnDescription& column,
+                           const std::vector<std::string_view>& row) {
+            return cellLinks[&column - run.columns.columns()].Url(row);
+        });
         std::vector<ReportRowReader*> readers = {&*table};
         if (counts.any()) readers.push_back(&counts);
+        if (!run.view.tableOnly) readers.push_back(&graph);
         rows.Read(readers);
         table->Finish();
+        if (!run.view.tableOnly) graph_ = graph.Build(run.ctx, run.definition.name.c_str());
         if (table->rows() == 0)
             ReportNotice("No calls were found for these criteria.").Render(run.ctx, &spool_);
         ReportDecimal sum;

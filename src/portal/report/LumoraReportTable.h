@@ -1,12 +1,14 @@
-// LumoraReportTable.h: the result of a report as a table, with what stands above and below it.
+// LumoraReportTable.h: the result of a report as a table, with its graph above and notes below.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "cgiFramework/WebPage.h"
 #include "portal/report/LumoraReportSQLCol.h"
 #include "portal/report/ReportSpool.h"
 
+class LumoraReportGraph;
 class PortalContext;
 class ReportLinks;
 class SQLSession;
@@ -29,6 +31,7 @@ class LumoraReportTable : public WebItem {
     // one. It never throws: a failure, before or amid the rows, is logged and stands in place of
     // the rest. Null `links`: nothing on it leads anywhere, as on paper.
     LumoraReportTable(const ReportRun& run, const ReportLinks* links);
+    ~LumoraReportTable() override;
     void Render(WebContext& ctx, WebRender* out) override;
 
   private:
@@ -37,4 +40,7 @@ class LumoraReportTable : public WebItem {
                     uint64_t rowsRead);
 
     ReportSpool spool_;
+    std::unique_ptr<LumoraReportGraph> graph_;  // null: the rows have no shape to show
+    bool forPaper_;
+    bool graphOnly_;
 };

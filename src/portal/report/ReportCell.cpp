@@ -1,5 +1,6 @@
 #include "portal/report/ReportCell.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 
@@ -10,7 +11,7 @@ namespace {
 // In the order of ReportStyle.
 constexpr const char* kStyleNames[] = {"text", "number", "time", "money", "percent", "date"};
 
-constexpr size_t kMaxWholeDigits = 19;
+constexpr ptrdiff_t kMaxWholeDigits = 19;
 constexpr int kDecimals = 4;  // of a ReportDecimal
 constexpr int kSecondsPerMinute = 60;
 constexpr int kSecondsPerHour = 3600;
@@ -29,72 +30,79 @@ Integer DivideRounding(Integer value, int divisor) {
     return (value < 0 ? value - half : value + half) / divisor;
 }
 
-// Writes at least `width` digits of a value that is not negative.
+// A figure is put together from its end in a buffer of its own and appended once.
+constexpr size_t kLongestFigure = 64;
+
+// Puts at least `width` digits of a value that is not negative in front of `at`.
 template <class Integer>
-void AppendDigits(std::string& out, Integer value, int width) {
-    char digits[40];
-    char* at = std::end(digits);
+char* PutDigits(char* at, Integer value, int width) {
     for (; value != 0 || width > 0; value /= 10, --width)
         *--at = static_cast<char>('0' + static_cast<int>(value % 10));
-    out.append(at, std::end(digits));
+    return at;
 }
 
-// Takes the sign off and writes it.
+// `scaled` is not negative and counts in units of 1/unit, a power of ten with as many zeros as
+// `decimals` says.
 template <class Integer>
-Integer AppendSign(std::string& out, Integer value) {
-    if (value >= 0) return value;
-    out += '-';
-    return -value;
-}
-
-// `scaled` counts in units of 1/unit, a power of ten with as many zeros as `decimals` says.
-template <class Integer>
-void AppendFixed(std::string& out, Integer scaled, int unit, int decimals) {
-    scaled = AppendSign(out, scaled);
-    AppendDigits<Integer>(out, scaled / unit, 1);
-    if (decimals == 0) return;
-    out += '.';
-    AppendDigits<Integer>(out, scaled % unit, decimals);
+char* PutFixed(char* at, Integer scaled, int unit, int decimals) {
+    if (decimals > 0) {
+        at = PutDigits<Integer>(at, scaled % unit, decimals);
+        *--at = '.';
+    }
+    return PutDigits<Integer>(at, scaled / unit, 1);
 }
 
 template <class Integer>
-void AppendNumber(std::string& out, Integer units) {
+char* PutNumber(char* at, Integer units) {
     int unit = ReportDecimal::kScale;
     int decimals = kDecimals;
-    for (; decimals > 0 && units % 10 == 0; --decimals, unit /= 10)
+    if (units % unit == 0) return PutDigits<Integer>(at, units / unit, 1);
+    for (; units % 10 == 0; --decimals, unit /= 10)
         units /= 10;
-    AppendFixed(out, units, unit, decimals);
+    return PutFixed(at, units, unit, decimals);
 }
 
 template <class Integer>
-void AppendTime(std::string& out, Integer seconds) {
-    seconds = AppendSign(out, seconds);
-    AppendDigits<Integer>(out, seconds / kSecondsPerHour, 1);
-    out += ':';
-    AppendDigits<Integer>(out, seconds / kSecondsPerMinute % 60, 2);
-    out += ':';
-    AppendDigits<Integer>(out, seconds % kSecondsPerMinute, 2);
+char* PutTime(char* at, Integer seconds) {
+    at = PutDigits<Integer>(at, seconds % kSecondsPerMinute, 2);
+    *--at = ':';
+    at = PutDigits<Integer>(at, seconds / kSecondsPerMinute % 60, 2);
+    *--at = ':';
+    return PutDigits<Integer>(at, seconds / kSecondsPerHour, 1);
 }
 
 template <class Integer>
 void AppendUnits(std::string& out, ReportStyle style, Integer units) {
+    char figure[kLongestFigure];
+    char* const end = std::end(figure);
+    char* at = end;
+    // In the unit of the last digit shown. The sign belongs to what is left after rounding.
+    int unit = 1;
+    if (style == ReportStyle::kTime) unit = ReportDecimal::kScale;
+    if (style == ReportStyle::kMoney) unit = ReportDecimal::kScale / 100;
+    if (style == ReportStyle::kPercent) unit = ReportDecimal::kScale / 10;
+    Integer shown = DivideRounding(units, unit);
+    const bool negative = shown < 0;
+    if (negative) shown = -shown;
     switch (style) {
         case ReportStyle::kTime:
-            AppendTime(out, DivideRounding(units, ReportDecimal::kScale));
+            at = PutTime(at, shown);
             break;
         case ReportStyle::kMoney:
-            AppendFixed(out, DivideRounding(units, ReportDecimal::kScale / 100), 100, 2);
+            at = PutFixed(at, shown, 100, 2);
             break;
         case ReportStyle::kPercent:
-            AppendFixed(out, DivideRounding(units, ReportDecimal::kScale / 10), 10, 1);
-            out += '%';
+            *--at = '%';
+            at = PutFixed(at, shown, 10, 1);
             break;
         case ReportStyle::kText:
         case ReportStyle::kNumber:
         case ReportStyle::kDate:
-            AppendNumber(out, units);
+            at = PutNumber(at, shown);
             break;
     }
+    if (negative) *--at = '-';
+    out.append(at, end);
 }
 
 }  // namespace
@@ -121,27 +129,27 @@ std::string GroupedNumber(uint64_t number) {
 }
 
 bool ParseReportDecimal(std::string_view text, ReportDecimal& value) {
-    const bool negative = text.starts_with('-');
-    if (negative) text.remove_prefix(1);
-    const size_t point = text.find('.');
-    const std::string_view whole = text.substr(0, point);
-    const std::string_view decimals =
-        point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
-    if (whole.empty() || whole.size() > kMaxWholeDigits) return false;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    const bool negative = at != end && *at == '-';
+    if (negative) ++at;
 
+    const char* const digits = at;
     uint64_t integer = 0;  // holds any 19 digits
-    for (const char c : whole) {
-        if (!IsDigit(c)) return false;
-        integer = integer * 10 + static_cast<uint64_t>(c - '0');
+    for (; at != end && IsDigit(*at); ++at)
+        integer = integer * 10 + static_cast<uint64_t>(*at - '0');
+    if (at == digits || at - digits > kMaxWholeDigits) return false;
+    ReportInteger units = static_cast<ReportInteger>(integer) * ReportDecimal::kScale;
+
+    if (at != end) {
+        if (*at++ != '.') return false;
+        int scale = ReportDecimal::kScale / 10;
+        const char* const decimals = at;
+        for (; at != end && IsDigit(*at); ++at, scale /= 10)
+            units += scale * (*at - '0');
+        if (at != end) return false;
+        if (end - decimals > kDecimals && decimals[kDecimals] >= '5') ++units;
     }
-    int fraction = 0;  // in units
-    for (size_t i = 0, scale = ReportDecimal::kScale / 10; i < decimals.size(); ++i, scale /= 10) {
-        if (!IsDigit(decimals[i])) return false;
-        fraction += static_cast<int>(scale) * (decimals[i] - '0');
-    }
-    if (decimals.size() > kDecimals && decimals[kDecimals] >= '5') ++fraction;
-    const ReportInteger units =
-        static_cast<ReportInteger>(integer) * ReportDecimal::kScale + fraction;
     value.units = negative ? -units : units;
     return true;
 }

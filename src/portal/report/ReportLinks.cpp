@@ -1,5 +1,7 @@
 #include "portal/report/ReportLinks.h"
 
+#include <utility>
+
 #include "cgiFramework/UrlArgument.h"
 #include "common/Html.h"
 #include "common/ThrowText.h"
@@ -99,11 +101,11 @@ ReportCellLink::ReportCellLink(const ReportLinks* links, const ReportColumn& mat
     : counts_(match.style != ReportStyle::kText && match.style != ReportStyle::kDate) {
     const LumoraSQLColumnDescription& column = *match.description;
     if (links == nullptr || *column.linkpage == '\0') return;
-    std::string text = "<a href=\"";
-    const auto append = [&](std::string_view part) {
-        text += HtmlAttr(std::string(part).c_str()).c_str();
+    const auto append = [this](std::string text, int field) {
+        std::string html = HtmlAttr(text.c_str()).c_str();
+        pieces_.push_back({std::move(text), std::move(html), field});
     };
-    append(links->CellPage(column));
+    std::string text = links->CellPage(column);
     std::string_view rest = column.linkdetail;
     for (size_t open; (open = rest.find('[')) != std::string_view::npos;) {
         const size_t close = rest.find(']', open);
@@ -115,14 +117,12 @@ ReportCellLink::ReportCellLink(const ReportLinks* links, const ReportColumn& mat
                 "The link of column \"%s\" needs the field \"%s\", which this report's "
                 "query does not return.",
                 column.fieldname, name.c_str());
-        append(rest.substr(0, open));
-        pieces_.push_back({std::move(text), field});
-        text.clear();
+        text += rest.substr(0, open);
+        append(std::exchange(text, {}), field);
         rest.remove_prefix(close + 1);
     }
-    append(rest);
-    append(links->CellCriteria(column));
-    pieces_.push_back({text + "\">", -1});
+    text += rest;
+    append(text + links->CellCriteria(column), -1);
 }
 
 bool ReportCellLink::Leads(std::string_view raw) const {
@@ -134,8 +134,20 @@ bool ReportCellLink::Leads(std::string_view raw) const {
 }
 
 void ReportCellLink::AppendOpen(std::string& html, const std::vector<std::string_view>& row) const {
+    html += "<a href=\"";
     for (const Piece& piece : pieces_) {
-        html += piece.text;
+        html += piece.html;
+        // Nothing of an encoded value needs escaping.
         if (piece.field >= 0) AppendUrlValue(html, row[piece.field]);
     }
+    html += "\">";
+}
+
+std::string ReportCellLink::Url(const std::vector<std::string_view>& row) const {
+    std::string url;
+    for (const Piece& piece : pieces_) {
+        url += piece.text;
+        if (piece.field >= 0) AppendUrlValue(url, row[piece.field]);
+    }
+    return url;
 }

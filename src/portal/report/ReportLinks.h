@@ -52,10 +52,13 @@ class ReportCellLink {
     bool Leads(std::string_view raw) const;
     // Appends the link's opening tag.
     void AppendOpen(std::string& html, const std::vector<std::string_view>& row) const;
+    // The address as plain text.
+    std::string Url(const std::vector<std::string_view>& row) const;
 
   private:
     struct Piece {
-        std::string text;  // escaped
+        std::string text;
+        std::string html;  // the same in an attribute
         int field;         // whose value follows, or -1
     };
     std::vector<Piece> pieces_;

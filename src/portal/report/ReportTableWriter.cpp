@@ -31,7 +31,8 @@ std::vector<ReportTableWriter::Cell> ReportTableWriter::MakeCells(
     for (const ReportColumn& column : MatchReportColumns(columns_, names)) {
         std::string open = "<td class=\"";
         open.append(ReportStyleName(column.style)).append("\">");
-        cells.push_back({column.field, column.style, std::move(open),
+        std::string next = cells.empty() ? open : "</td>" + open;
+        cells.push_back({column.field, column.style, std::move(open), std::move(next),
                          ReportCellLink(layout_.links, column, names)});
     }
     return cells;
@@ -59,18 +60,14 @@ void ReportTableWriter::AddRow(const std::vector<std::string_view>& row) {
 void ReportTableWriter::AppendRow(const std::vector<std::string_view>& row) {
     block_ += ++shown_ % 2 != 0 ? "<tr class=\"oddrow\">" : "<tr class=\"evenrow\">";
     for (const Cell& cell : cells_) {
-        block_ += cell.open;
         const std::string_view raw = row[cell.field];
-        if (cell.link.Leads(raw)) {
-            cell.link.AppendOpen(block_, row);
-            AppendReportCell(block_, cell.style, raw);
-            block_ += "</a></td>";
-        } else {
-            AppendReportCell(block_, cell.style, raw);
-            block_ += "</td>";
-        }
+        const bool leads = cell.link.Leads(raw);
+        block_ += cell.next;
+        if (leads) cell.link.AppendOpen(block_, row);
+        AppendReportCell(block_, cell.style, raw);
+        if (leads) block_ += "</a>";
     }
-    block_ += "</tr>\n";
+    block_ += "</td></tr>\n";
 }
 
 void ReportTableWriter::AppendSeriesHeading() {

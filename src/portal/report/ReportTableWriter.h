@@ -54,6 +54,7 @@ class ReportTableWriter : public ReportRowReader {
         int field;  // of the result
         ReportStyle style;
         std::string open;  // the cell's opening tag
+        std::string next;  // the same, behind the end of the cell before
         ReportCellLink link;
     };
 

@@ -50,13 +50,14 @@ std::string Identifier(const char* name) {
 
 const std::vector<uint64_t> kRowsAPage = {100, 500, 1000};
 
-ReportView::ReportView(const WebContext& ctx)
+ReportView::ReportView(const WebContext& ctx, const LumoraReportSQLCol& columns)
     : form(FormOf(ctx)),
       sort(Argument(ctx, "sort")),
       descending(strcmp(Argument(ctx, "dir"), "desc") == 0),
       criteria(IsGiven(ctx, "criteria")),
       graphOnly(IsGiven(ctx, "graphonly")),
       tableOnly(IsGiven(ctx, "tableonly")) {
+    if (SortColumn(columns) == nullptr) sort = "";
     rows = form == kScreen ? RowsOf(ctx, rows) : kAllRows;
     int64_t number = 0;
     if (rows != kAllRows && ParseInt64(Argument(ctx, "page"), number) && number > 0)

@@ -27,7 +27,7 @@ struct ReportView {
     bool tableOnly = false;   // "tableonly"
 
     ReportView() = default;
-    explicit ReportView(const WebContext& ctx);
+    ReportView(const WebContext& ctx, const LumoraReportSQLCol& columns);
 
     // The row that the shown part begins with, and how many there are in it at most.
     uint64_t FirstRow() const { return rows == kAllRows ? 0 : (page - 1) * rows; }
