@@ -31,7 +31,8 @@ WITH message AS (
 )
 SELECT IFNULL(i.name, inboxid) AS inbox, received, sent, conversations, questions, answered,
     questions - answered AS unanswered, ROUND(100 * answered / NULLIF(questions, 0), 1) AS answeredpct,
-    responses, ROUND(responses / NULLIF(answered, 0)) AS avgresponse, longest
+    responses, ROUND(responses / NULLIF(answered, 0)) AS avgresponse, longest,
+    inboxid
 FROM (
     SELECT customerid, inboxid, SUM(author = '') AS received, SUM(author <> '') AS sent,
         COUNT(DISTINCT convid) AS conversations, SUM(asks) AS questions,

@@ -37,7 +37,8 @@ SELECT ELT(weekday, 'Sunday', 'Monday', 'Tuesday', 'Wednesday', 'Thursday', 'Fri
     SUM(response > [slaResponse]) AS late, SUM(response IS NULL) AS unanswered,
     COUNT(response) AS answered, ROUND(100 * COUNT(response) / COUNT(*), 1) AS answeredpct,
     ROUND(100 * SUM(IFNULL(response <= [slaResponse], 0)) / COUNT(*), 1) AS servicelevel,
-    SUM(response) AS responses, ROUND(AVG(response)) AS avgresponse, MAX(response) AS longest
+    SUM(response) AS responses, ROUND(AVG(response)) AS avgresponse, MAX(response) AS longest,
+    question.weekday AS dayofweek
 FROM (
     SELECT DAYOFWEEK(createdAt) AS weekday, ROUND(answeredat - at) AS response
     FROM message

@@ -31,7 +31,8 @@ WITH message AS (
 SELECT IFNULL(NULLIF(TRIM(CONCAT(firstName, ' ', lastName)), ''), 'Former teammate') AS teammate,
     SUM(sent) AS sent, SUM(conversations) AS conversations, SUM(answers) AS answers,
     SUM(responses) AS responses, ROUND(SUM(responses) / NULLIF(SUM(answers), 0)) AS avgresponse,
-    MIN(shortest) AS shortest, MAX(longest) AS longest
+    MIN(shortest) AS shortest, MAX(longest) AS longest,
+    IFNULL(tm.id, '') AS teammateid
 FROM (
     SELECT customerid, author, COUNT(*) AS sent, COUNT(DISTINCT convid) AS conversations,
         COUNT(askedat) AS answers, SUM(ROUND(at - askedat)) AS responses,

@@ -98,6 +98,8 @@ bool OffersConfiguration(ManagerContext& ctx) {
 constexpr PageRow kPages[] = {
     {"homepage", Match::kExact, {}, BuildCallReport, nullptr},
     {"callreport", Match::kExact, {16, CheckReportCategory}, BuildCallReport, "Reports"},
+    {"calllogdrill", Match::kExact, {16, CheckReportCategory}, BuildCallReport, nullptr},
+    {"mediadrill", Match::kExact, {16, CheckReportCategory}, BuildCallReport, nullptr},
     {"autorespond2", Match::kExact, {}, Build<ReportValueSuggestions>, nullptr},
     {"autorespond", Match::kExact, {}, Build<ReportEntitySuggestions>, nullptr},
     {"manager.edit", Match::kExact, {}, BuildManagerEdit, nullptr},

@@ -47,7 +47,12 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
     columnCount_ = columns.count();
     const LumoraReportQuery query(ctx, definition.query.c_str(), filter);
     UString filteredOn;
-    filter.GetHeader(ctx, columns.columns(), filteredOn);
+    if (definition.fieldFile.IsEmpty()) {
+        filter.GetHeader(ctx, columns.columns(), filteredOn);
+    } else {
+        const LumoraReportSQLCol fields(ctx.dirname.c_str(), definition.fieldFile.c_str());
+        filter.GetHeader(ctx, fields.columns(), filteredOn);
+    }
     const UString& calls = query.GetCallTitle();
     if (!calls.IsEmpty()) filteredOn += (filteredOn.IsEmpty() ? "" : " / ") + calls;
     criteria_ = CriteriaOf(definition.name, query, filteredOn);

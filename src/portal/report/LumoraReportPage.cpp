@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cgiFramework/FilePage.h"
+#include "cgiFramework/UrlArgument.h"
 #include "common/Html.h"
 #include "common/Log.h"
 #include "portal/background/BackgroundJob.h"
@@ -14,6 +15,8 @@
 #include "portal/report/LumoraSavedReportModule.h"
 #include "portal/report/ReportCatalogue.h"
 #include "portal/report/ReportDefinition.h"
+#include "portal/report/ReportDrillList.h"
+#include "portal/report/ReportEstimate.h"
 #include "portal/report/ReportFavourites.h"
 #include "portal/report/ReportMessage.h"
 #include "portal/report/ReportPrintPage.h"
@@ -30,6 +33,11 @@ enum { kAttribName, kAttribValue };
 // a run.
 constexpr int kFirstWaitMs = 2000;
 constexpr int kFollowMs = 500;
+
+// How a result is to be shown, besides what it is.
+constexpr const char* kViewArguments[] = {"print",     "csv",      "xlsx", "sort",
+                                          "dir",       "page",     "rows", "graphonly",
+                                          "tableonly", "criteria", "wait"};
 
 constexpr char kNoResult[] = "The report ended before it had a result. Please run it again.";
 
@@ -60,12 +68,17 @@ void AddAction(WebItem& actions, const UString& url, const char* caption) {
     actions.Adopt(new WebLink(href.c_str())).Add(new WebValue("%s", caption));
 }
 
-// The way back: to the catalogue, and, for a result, to the form with its criteria.
-void AddActions(PortalContext& ctx, WebItem& page, const char* changePagename,
-                const LumoraReportFilter* filter) {
+// The way back: to the catalogue, and, for a result, to the form with its criteria. The list behind
+// a figure has the way `back` to its report, too.
+void AddActions(PortalContext& ctx, WebItem& page, const char* changePagename = nullptr,
+                const LumoraReportFilter* filter = nullptr, const UString& back = "") {
     UString url = ctx.GetURL("pagename=callreport");
     WebItem& actions = page.Adopt(new WebDiv("class=\"reportActions\""));
     AddAction(actions, url, "All reports");
+    if (!back.IsEmpty()) {
+        actions.Add(new WebValue(" "));
+        AddAction(actions, back, "Back to the report");
+    }
     if (changePagename == nullptr) return;
     url += "&report=";
     url.AppendSafe(changePagename);
@@ -80,6 +93,10 @@ bool IsWaitAsked(const WebContext& ctx) {
     return wait != nullptr && *wait == "1";
 }
 
+const char* TitleEnd(const ReportDefinition& definition) {
+    return IsDrillPage(definition.page.c_str()) ? " - Call List" : " - Report";
+}
+
 bool IsCancel(const WebContext& ctx) {
     const WebArgument* submit = ctx.FindWebArgument("submit");
     return submit != nullptr && *submit == "Cancel Report";
@@ -88,6 +105,11 @@ bool IsCancel(const WebContext& ctx) {
 }  // namespace
 
 LumoraReportPage::LumoraReportPage(PortalContext& ctx) : StandardPage(ctx) {
+    const WebArgument* pagename = ctx.FindWebArgument("pagename");
+    if (pagename != nullptr && IsDrillPage(pagename->Text())) {
+        AddDrillList(ctx, pagename->Text());
+        return;
+    }
     ChangeLists(ctx);
     if (IsGiven(ctx, "report"))
         AddReport(ctx, ctx.FindWebArgument("report")->Text());
@@ -145,13 +167,20 @@ void LumoraReportPage::AddReport(PortalContext& ctx, const char* pagename) {
     if (definition == nullptr) {
         title = "Reports";
         LogError("LumoraReportPage: there is no report %s (contact %d)", pagename, ctx.contactId);
-        AddActions(ctx, *this, nullptr, nullptr);
+        AddActions(ctx, *this);
         Add(new ReportWarning("This report does not exist."));
         return;
     }
     if (!IsCategoryAllowed(ctx.reportMask.c_str(), definition->category)) {
         title = definition->name;
         Add(new ReportWarning("No permission to run this category of reports."));
+        return;
+    }
+    if (IsDrillList(*definition)) {
+        title = definition->name;
+        AddActions(ctx, *this);
+        Add(new ReportNotice(
+            "This list holds the calls behind a figure: run a report, and choose one there."));
         return;
     }
     ApplyCostDefaults(ctx, filter);
@@ -166,14 +195,45 @@ void LumoraReportPage::AddReport(PortalContext& ctx, const char* pagename) {
         AddForm(ctx, *definition, filter, problems);
 }
 
+void LumoraReportPage::AddDrillList(PortalContext& ctx, const char* pagename) {
+    title = "Call List";
+    LumoraReportFilter filter(ctx, /*fromSession=*/false);
+    std::unique_ptr<ReportDefinition> list;
+    try {
+        list = LoadDrillList(ctx, pagename, filter, back_);
+    } catch (const char* message) {
+        LogError("%s: %s", pagename, message);
+        AddActions(ctx, *this);
+        Add(new ReportWarning(message));
+        return;
+    }
+    title = list->name + TitleEnd(*list);
+    if (!IsCategoryAllowed(ctx.reportMask.c_str(), list->category)) {
+        Add(new ReportWarning("No permission to run this category of reports."));
+        return;
+    }
+    if (IsCancel(ctx)) return CancelRun(ctx, *list, filter);
+    if (IsGiven(ctx, "query_id")) return FollowRun(ctx, *list, filter);
+    const std::vector<FilterProblem> problems = filter.Check();
+    if (problems.empty()) return StartRun(ctx, *list, filter);
+    AddActions(ctx, *this, list->pagename.c_str(), &filter, back_);
+    for (const FilterProblem& problem : problems)
+        Add(new ReportWarning(problem.message.c_str()));
+}
+
 void LumoraReportPage::AddForm(PortalContext& ctx, const ReportDefinition& definition,
                                LumoraReportFilter& filter,
                                const std::vector<FilterProblem>& problems) {
+    if (IsDrillPage(definition.page.c_str())) {
+        // A list has no form: the criteria are those of the report that led to it.
+        AddActions(ctx, *this, definition.pagename.c_str(), &filter);
+        return;
+    }
     title = definition.name + " - Select Criteria";
     filter.report = definition.pagename;
     if (filter.reportTitle.IsEmpty()) filter.reportTitle = definition.name;
     filter.SetSaveOption(true);
-    AddActions(ctx, *this, nullptr, nullptr);
+    AddActions(ctx, *this);
     Add(filter.filterForm(ctx, filter, problems));
 }
 
@@ -181,6 +241,12 @@ void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& def
                                  const LumoraReportFilter& filter) {
     filter.SaveToSession(ctx);
     saved_ = SaveQuickReport(ctx, definition, filter);
+    StartRun(ctx, definition, filter);
+}
+
+void LumoraReportPage::StartRun(PortalContext& ctx, const ReportDefinition& definition,
+                                const LumoraReportFilter& filter) {
+    if (AsksBefore(ctx, definition, filter)) return;
     // The session is written before the wait begins, so that nobody's changes meanwhile are lost.
     UpdateHistory(ctx);
     addToHistory = false;
@@ -194,10 +260,35 @@ void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& def
     AddResult(ctx, definition, filter);
 }
 
+// Whoever asks for a great deal is told first, whatever the answer is to be. The link that runs it
+// all the same is the same request again.
+bool LumoraReportPage::AsksBefore(PortalContext& ctx, const ReportDefinition& definition,
+                                  const LumoraReportFilter& filter) {
+    const uint64_t limit = WarningLimit(ctx);
+    if (limit == 0 || IsGiven(ctx, "confirm")) return false;
+    const uint64_t rows = EstimateRows(ctx, definition, filter);
+    if (rows <= limit) return false;
+
+    title = definition.name + TitleEnd(definition);
+    AddActions(ctx, *this, definition.pagename.c_str(), &filter, back_);
+    if (!saved_.IsEmpty()) Add(new ReportNotice(saved_.c_str()));
+    const UString question = "This report would read a great deal: " + EstimateText(rows) +
+                             ". A shorter period or fewer names take less.";
+    Add(new ReportNotice(question.c_str()));
+    UString url = RunUrl(ctx, definition, filter);
+    std::string view;
+    for (const char* name : kViewArguments)
+        if (IsGiven(ctx, name)) AppendUrlArgument(view, name, ctx.FindWebArgument(name)->Text());
+    url += view.c_str();
+    url += "&confirm=1";
+    AddAction(Adopt(new WebDiv("class=\"reportActions\"")), url, "Run anyway");
+    return true;
+}
+
 void LumoraReportPage::AddResult(PortalContext& ctx, const ReportDefinition& definition,
                                  const LumoraReportFilter& filter) {
-    title = definition.name + " - Report";
-    AddActions(ctx, *this, definition.pagename.c_str(), &filter);
+    title = definition.name + TitleEnd(definition);
+    AddActions(ctx, *this, definition.pagename.c_str(), &filter, back_);
     if (!saved_.IsEmpty()) Add(new ReportNotice(saved_.c_str()));
     try {
         report_ = &Adopt(new LumoraReport(ctx, definition, filter));
@@ -230,13 +321,13 @@ void LumoraReportPage::CancelRun(PortalContext& ctx, const ReportDefinition& def
 bool LumoraReportPage::AwaitRun(PortalContext& ctx, const ReportDefinition& definition,
                                 const LumoraReportFilter& filter,
                                 std::unique_ptr<BackgroundJob> job, int milliseconds) {
-    title = definition.name + " - Report";
+    title = definition.name + TitleEnd(definition);
     switch (job->Wait(milliseconds)) {
         case BackgroundJob::kReady:
             ready_ = std::move(job);
             return true;
         case BackgroundJob::kRunning:
-            AddActions(ctx, *this, nullptr, nullptr);
+            AddActions(ctx, *this);
             AddProgress(ctx, *this, definition.pagename.c_str(), *job, filter);
             return true;
         case BackgroundJob::kEnded:

@@ -14,10 +14,11 @@ class PortalContext;
 struct FilterProblem;
 struct ReportDefinition;
 
-// Without the argument "report" it lists the catalogue. With it, it shows that report's criteria
-// form, filled from the arguments, or from the session when "change" is given; and with "submit"
-// too it runs the report. Criteria that cannot be used bring the form back with a message beside
-// each, and no query runs.
+// As "calllogdrill" or "mediadrill" it lists the calls or messages behind a figure of a report.
+// Otherwise, without the argument "report", it lists the catalogue. With it, it shows that report's
+// criteria form, filled from the arguments, or from the session when "change" is given; and with
+// "submit" too it runs the report. Criteria that cannot be used bring the form back with a message
+// beside each, and no query runs.
 //
 // A run is made by another process. This page hands that one's answer over when it is ready within
 // about two seconds, or whenever it is when "wait" is 1; else it shows the progress, and so does
@@ -41,10 +42,15 @@ class LumoraReportPage : public StandardPage {
     void ChangeLists(PortalContext& ctx);
     void AddCatalogue(PortalContext& ctx);
     void AddReport(PortalContext& ctx, const char* pagename);
+    void AddDrillList(PortalContext& ctx, const char* pagename);
     void AddForm(PortalContext& ctx, const ReportDefinition& definition, LumoraReportFilter& filter,
                  const std::vector<FilterProblem>& problems);
     void RunReport(PortalContext& ctx, const ReportDefinition& definition,
                    const LumoraReportFilter& filter);
+    void StartRun(PortalContext& ctx, const ReportDefinition& definition,
+                  const LumoraReportFilter& filter);
+    bool AsksBefore(PortalContext& ctx, const ReportDefinition& definition,
+                    const LumoraReportFilter& filter);
     void AddResult(PortalContext& ctx, const ReportDefinition& definition,
                    const LumoraReportFilter& filter);
     void FollowRun(PortalContext& ctx, const ReportDefinition& definition,
@@ -55,6 +61,7 @@ class LumoraReportPage : public StandardPage {
                   const LumoraReportFilter& filter, std::unique_ptr<BackgroundJob> job,
                   int milliseconds);
 
+    UString back_;                          // to the report whose figure led to this list
     UString saved_;                         // what became of the wish to keep the criteria
     std::unique_ptr<BackgroundJob> ready_;  // its answer is this page's
     LumoraReport* report_ = nullptr;        // among the items, once it ran here

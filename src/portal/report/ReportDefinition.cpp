@@ -91,6 +91,9 @@ std::unique_ptr<ReportDefinition> ReportDefinition::Load(PortalContext& ctx, con
 
     auto definition = std::make_unique<ReportDefinition>();
     definition->pagename = pagename;
+    definition->arguments = "&report=";
+    definition->arguments.AppendSafe(pagename);
+    definition->arguments += "&submit=Generate%20Report";
     definition->name = db.Column(kName);
     definition->query = db.Column(kQuery);
     definition->reportFile = db.Column(kReportFile);
@@ -116,4 +119,12 @@ std::unique_ptr<ReportDefinition> ReportDefinition::Load(PortalContext& ctx, con
     db.Query(SqlText(kHelpSql, SqlQuoted(pagename)));
     if (db.NextRow()) definition->help = db.Column(0);
     return definition;
+}
+
+UString RunUrl(PortalContext& ctx, const ReportDefinition& definition,
+               const LumoraReportFilter& filter) {
+    UString url = ctx.GetURL("pagename=%s", definition.page.c_str());
+    url += definition.arguments;
+    filter.AppendArguments(url);
+    return url;
 }

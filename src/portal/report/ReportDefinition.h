@@ -22,6 +22,10 @@ struct ReportDefinition {
     UString multikeyfield2;
     int category = 0;
     bool hideTimeOfDay = false;  // opt_interval
+    // How links run this again: the page, and arguments besides the criteria, as "&name=value".
+    UString page = "callreport";
+    UString arguments;
+    UString fieldFile;  // the column file of the report whose "field" led here; empty: `reportFile`
 
     // Does `format` have this word?
     bool HasFormat(std::string_view word) const;
@@ -31,3 +35,8 @@ struct ReportDefinition {
     static std::unique_ptr<ReportDefinition> Load(PortalContext& ctx, const char* pagename,
                                                   LumoraReportFilter& filter);
 };
+
+// The address that runs the report again with these criteria. It has arguments already, so
+// "&print=true" and the like can follow.
+UString RunUrl(PortalContext& ctx, const ReportDefinition& definition,
+               const LumoraReportFilter& filter);

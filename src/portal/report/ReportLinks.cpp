@@ -15,23 +15,6 @@ namespace {
 
 constexpr char kSubmit[] = "Generate Report";
 
-// What a list of the calls behind a cell was asked for, apart from the criteria.
-constexpr const char* kDetails[] = {"by", "value", "by2", "value2", "outcome", "parent", "field"};
-
-void AppendDetails(const PortalContext& ctx, std::string& url) {
-    for (const char* name : kDetails) {
-        const WebArgument* argument = ctx.FindWebArgument(name);
-        if (argument != nullptr && !argument->IsEmpty())
-            AppendUrlArgument(url, name, argument->Text());
-    }
-}
-
-// Reports with a page of their own bear its name.
-bool HasOwnPage(const PortalContext& ctx, const ReportDefinition& definition) {
-    const WebArgument* pagename = ctx.FindWebArgument("pagename");
-    return pagename != nullptr && *pagename == definition.pagename.c_str();
-}
-
 }  // namespace
 
 ReportLinks::ReportLinks(PortalContext& ctx, const ReportDefinition& definition,
@@ -42,16 +25,7 @@ ReportLinks::ReportLinks(PortalContext& ctx, const ReportDefinition& definition,
     criteria_ = criteria.c_str();
 
     program_ = ctx.GetURL("pagename=");
-    run_ = program_;
-    if (HasOwnPage(ctx, definition)) {
-        AppendUrlValue(run_, report_);
-    } else {
-        run_ += "callreport";
-        AppendUrlArgument(run_, "report", report_);
-    }
-    AppendUrlArgument(run_, "submit", kSubmit);
-    run_ += criteria_;
-    AppendDetails(ctx, run_);
+    run_ = RunUrl(ctx, definition, filter).c_str();
     if (view.graphOnly) run_ += "&graphonly=true";
     if (view.tableOnly) run_ += "&tableonly=true";
     here_ = With(view.sort.c_str(), view.descending, view.rows);
