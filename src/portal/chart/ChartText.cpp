@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "cgiFramework/JsonObj.h"
@@ -34,8 +35,7 @@ bool GetStyle(const char* style, const char* key, UString& value) {
         left.remove_prefix(std::min(pair.size() + 1, left.size()));
         const size_t colon = pair.find(':');
         if (colon == std::string_view::npos || Trimmed(pair.substr(0, colon)) != key) continue;
-        const std::string_view found = Trimmed(pair.substr(colon + 1));
-        value.Append(found.data(), found.size());
+        value = std::string(Trimmed(pair.substr(colon + 1))).c_str();
         return true;
     }
     return false;

@@ -153,12 +153,9 @@ UString PngChart::GetLink(const ChartValue& value) const {
     if (!click.starts_with(kPrefix) || quote == std::string_view::npos || quote < kPrefix.size() ||
         quote + 1 >= click.size() || click[quote + 1] != ')')
         return {};
-    const std::string_view found = click.substr(kPrefix.size(), quote - kPrefix.size());
-    if (!IsHarmless(found)) return {};
-    UString url, link;
-    url.Append(found.data(), found.size());
-    link.Format("%s%s", server.c_str(), url.c_str());
-    return HtmlAttr(link.c_str());
+    const std::string url(click.substr(kPrefix.size(), quote - kPrefix.size()));
+    if (url.empty() || !IsHarmless(url)) return {};
+    return HtmlAttr((server + url.c_str()).c_str());
 }
 
 void PngChart::Write(const char* font, int size, int x, int y, double angle, const char* words,
