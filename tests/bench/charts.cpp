@@ -1,5 +1,5 @@
-// The cost of drawing: the same chart 250, 500 and 1,000 times in one process, and charts of more and
-// more bars. Prints a table line a figure: what, ratio, aim, detail.
+// The cost of drawing: the same chart 250, 500 and 1,000 times in one process, and charts of more
+// and more bars. Prints a table line a figure: what, ratio, aim, detail.
 #include <unistd.h>
 
 #include <string>

@@ -218,6 +218,7 @@ for (const [what, options] of [['light', {}], ['dark', { colorScheme: 'dark' }],
     test(`the form fits and is accessible: ${what}`, () =>
         withPage(browser, options, async (page) => {
             await openForm(page);
+            await page.getByLabel('Save these criteria').check();
             await assertFits(page, what);
             await assertAccessible(page, what);
         }));
