@@ -287,8 +287,18 @@ test('a restricted caller gets what the rows of the type allow, and a refusal is
             `=${agent['QUOTE(agentName)']}`],
     ])
         await assertStatement(report, criteria, { entity }, { user, name });
-    const { all } = await assertStatement('test.queue', {}, { entity: listOf(queues) }, { user: 'supervisor' });
-    assert.ok(all.includes(queues), 'the list of queues is asked for in one statement');
+    // What is asked about the permissions.
+    for (const [user, report, criteria, asked] of [
+        ['supervisor', 'test.queue', {}, queues],
+        ['supervisor', 'test.people', { userfilter: 'x' }, `SELECT * FROM CallLogPermissions WHERE contactid='${supervisor}'` +
+            " AND customerid='1' AND type='User' AND (logging='1' or recording='1')"],
+        ['restricted', 'test.people', { userfilter: "O'x" }, 'SELECT cn FROM LDAPUsers as u INNER JOIN CallLogPermissions' +
+            ` as clp ON clp.entityNumber = u.telephonenumber WHERE clp.contactid='${restricted}' AND clp.customerid` +
+            " IN('1') and clp.logging='1' and clp.type='User' and u.customerid IN('1') and u.cn='O\\'x'"],
+    ]) {
+        const { all } = await run(report, { ...kDay, ...criteria }, { user });
+        assert.ok(all.some((text) => text.trim() === asked), `${user} ${report}: ${asked}`);
+    }
 });
 
 test('a reporting group is its members of today, nested ones once, for its owner or everyone', async () => {
