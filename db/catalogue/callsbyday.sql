@@ -13,35 +13,40 @@
 -- the one who answered and the department booked. A service that answered ('!...') is no party,
 -- since the permitted names always hold the voicemail service.
 SELECT day,
-    SUM(starts AND inbound) AS inbound,
-    SUM(starts AND inbound AND answered) AS answered,
-    SUM(starts AND inbound AND voicemail) AS voicemail,
-    SUM(starts AND inbound AND passedon) AS passedon,
-    SUM(starts AND inbound AND NOT answered AND NOT voicemail AND NOT passedon) AS abandoned,
-    ROUND(100 * SUM(starts AND inbound AND answered) / NULLIF(SUM(starts AND inbound), 0), 1)
+    SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)) AS inbound,
+    SUM(IF(outcome = 'answered', legs, 0)) AS answered,
+    SUM(IF(outcome = 'voicemail', legs, 0)) AS voicemail,
+    SUM(IF(outcome = 'passedon', legs, 0)) AS passedon,
+    SUM(IF(outcome = 'abandoned', legs, 0)) AS abandoned,
+    ROUND(100 * SUM(IF(outcome = 'answered', legs, 0))
+        / NULLIF(SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)), 0), 1)
         AS answeredpct,
-    SUM(starts AND outbound) AS outbound,
-    SUM(starts AND internal) AS internal,
-    SUM(starts) AS calls,
+    SUM(IF(outcome = 'outbound', legs, 0)) AS outbound,
+    SUM(IF(outcome = 'internal', legs, 0)) AS internal,
+    SUM(IF(outcome = 'transfer', 0, legs)) AS calls,
     SUM(talk) AS talk,
     SUM(cost) AS cost,
-    SUM(starts) AS n_calls, COUNT(*) AS n_legs, SUM(NOT starts) AS n_transfers
+    SUM(IF(outcome = 'transfer', 0, legs)) AS n_calls, SUM(legs) AS n_legs,
+    SUM(IF(outcome = 'transfer', legs, 0)) AS n_transfers
 FROM (
-    SELECT DATE(gmtdatetime) AS day, transfercall <> 2 AS starts,
-        A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> '' AS inbound,
-        B_Trunk <> '' AND B_Out = 1 AND origCostCentre <> '' AS outbound,
-        A_Trunk = '' AND B_Trunk = '' AS internal,
-        hasconnected AS answered,
-        hasconnected = 0 AND B_Remote LIKE '!LeaveVoicemail%' AS voicemail,
-        hasconnected = 0 AND transfercall = 1 AND callduration < 2
-            AND B_Remote NOT LIKE '!LeaveVoicemail%' AS passedon,
-        callconnected AS talk, totalcost AS cost
+    SELECT DATE(gmtdatetime) AS day,
+        CASE WHEN transfercall = 2 THEN 'transfer'
+            WHEN A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> '' THEN
+                CASE WHEN hasconnected THEN 'answered'
+                    WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
+                    WHEN transfercall = 1 AND callduration < 2 THEN 'passedon'
+                    ELSE 'abandoned' END
+            WHEN B_Trunk <> '' AND B_Out = 1 AND origCostCentre <> '' THEN 'outbound'
+            WHEN A_Trunk = '' AND B_Trunk = '' THEN 'internal'
+            ELSE 'other' END AS outcome,
+        COUNT(*) AS legs, SUM(callconnected) AS talk, SUM(totalcost) AS cost
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
         AND B_Remote <> '!CollectVoicemail'
         AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
             OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
-) AS leg
+    GROUP BY day, outcome
+) AS part
 GROUP BY day
 ORDER BY day

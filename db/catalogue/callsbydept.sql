@@ -10,36 +10,42 @@
 --
 -- A department's row is made of the calls booked to it and of nothing else, and origCostCentre
 -- carries [entity]. No party of a call is shown, so the figures hide nobody.
-SELECT SQL_BIG_RESULT department,
-    SUM(starts AND inbound) AS inbound,
-    SUM(starts AND inbound AND answered) AS answered,
-    SUM(starts AND inbound AND voicemail) AS voicemail,
-    SUM(starts AND inbound AND passedon) AS passedon,
-    SUM(starts AND inbound AND NOT answered AND NOT voicemail AND NOT passedon) AS abandoned,
-    ROUND(100 * SUM(starts AND inbound AND answered) / NULLIF(SUM(starts AND inbound), 0), 1)
+SELECT department,
+    SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)) AS inbound,
+    SUM(IF(outcome = 'answered', legs, 0)) AS answered,
+    SUM(IF(outcome = 'voicemail', legs, 0)) AS voicemail,
+    SUM(IF(outcome = 'passedon', legs, 0)) AS passedon,
+    SUM(IF(outcome = 'abandoned', legs, 0)) AS abandoned,
+    ROUND(100 * SUM(IF(outcome = 'answered', legs, 0))
+        / NULLIF(SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)), 0), 1)
         AS answeredpct,
-    SUM(IF(starts AND inbound AND answered, ringing, 0)) AS wait,
-    ROUND(SUM(IF(starts AND inbound AND answered, ringing, 0))
-        / NULLIF(SUM(starts AND inbound AND answered), 0)) AS avgwait,
-    SUM(starts AND outbound) AS outbound,
-    SUM(starts AND internal) AS internal,
+    SUM(IF(outcome = 'answered', rings, 0)) AS wait,
+    ROUND(SUM(IF(outcome = 'answered', rings, 0)) / NULLIF(SUM(IF(outcome = 'answered', legs, 0)), 0))
+        AS avgwait,
+    SUM(IF(outcome = 'outbound', legs, 0)) AS outbound,
+    SUM(IF(outcome = 'internal', legs, 0)) AS internal,
     SUM(talk) AS talk,
     SUM(cost) AS cost,
-    SUM(starts) AS n_calls, COUNT(*) AS n_legs, SUM(NOT starts) AS n_transfers
+    SUM(IF(outcome = 'transfer', 0, legs)) AS n_calls, SUM(legs) AS n_legs,
+    SUM(IF(outcome = 'transfer', legs, 0)) AS n_transfers
 FROM (
-    SELECT customerid, origCostCentre AS department, transfercall <> 2 AS starts,
-        A_Trunk <> '' AND A_Out = 0 AS inbound,
-        B_Trunk <> '' AND B_Out = 1 AS outbound,
-        A_Trunk = '' AND B_Trunk = '' AS internal,
-        hasconnected AS answered,
-        hasconnected = 0 AND B_Remote LIKE '!LeaveVoicemail%' AS voicemail,
-        hasconnected = 0 AND transfercall = 1 AND callduration < 2
-            AND B_Remote NOT LIKE '!LeaveVoicemail%' AS passedon,
-        callduration - callconnected AS ringing, callconnected AS talk, totalcost AS cost
+    SELECT customerid, origCostCentre AS department,
+        CASE WHEN transfercall = 2 THEN 'transfer'
+            WHEN A_Trunk <> '' AND A_Out = 0 THEN
+                CASE WHEN hasconnected THEN 'answered'
+                    WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
+                    WHEN transfercall = 1 AND callduration < 2 THEN 'passedon'
+                    ELSE 'abandoned' END
+            WHEN B_Trunk <> '' AND B_Out = 1 THEN 'outbound'
+            WHEN A_Trunk = '' AND B_Trunk = '' THEN 'internal'
+            ELSE 'other' END AS outcome,
+        COUNT(*) AS legs, SUM(callduration - callconnected) AS rings,
+        SUM(callconnected) AS talk, SUM(totalcost) AS cost
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
         AND B_Remote <> '!CollectVoicemail' AND origCostCentre [entity]
-) AS leg
+    GROUP BY customerid, department, outcome
+) AS part
 GROUP BY department, customerid
 ORDER BY department, customerid

@@ -11,41 +11,45 @@
 --
 -- A leg counts when a permitted party took part: [entity] stands on the caller, the party dialled,
 -- the one who answered and the department booked. No party is shown.
-SELECT begins,
-    SUM(inbound) AS inbound,
-    SUM(inbound AND answered) AS answered,
-    SUM(inbound AND voicemail) AS voicemail,
-    SUM(inbound AND passedon) AS passedon,
-    SUM(inbound AND NOT answered AND NOT voicemail AND NOT passedon) AS abandoned,
-    ROUND(100 * SUM(inbound AND answered) / NULLIF(SUM(inbound), 0), 1) AS answeredpct,
-    SUM(IF(inbound AND answered, ringing, 0)) AS wait,
-    ROUND(SUM(IF(inbound AND answered, ringing, 0)) / NULLIF(SUM(inbound AND answered), 0))
+SELECT TIME_FORMAT(SEC_TO_TIME(slot * 1800), '%H:%i') AS begins,
+    SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)) AS inbound,
+    SUM(IF(outcome = 'answered', legs, 0)) AS answered,
+    SUM(IF(outcome = 'voicemail', legs, 0)) AS voicemail,
+    SUM(IF(outcome = 'passedon', legs, 0)) AS passedon,
+    SUM(IF(outcome = 'abandoned', legs, 0)) AS abandoned,
+    ROUND(100 * SUM(IF(outcome = 'answered', legs, 0))
+        / NULLIF(SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)), 0), 1)
+        AS answeredpct,
+    SUM(IF(outcome = 'answered', rings, 0)) AS wait,
+    ROUND(SUM(IF(outcome = 'answered', rings, 0)) / NULLIF(SUM(IF(outcome = 'answered', legs, 0)), 0))
         AS avgwait,
-    MAX(IF(inbound AND NOT voicemail, ringing, NULL)) AS longestwait,
-    SUM(outbound) AS outbound,
-    SUM(internal) AS internal,
-    COUNT(*) AS calls,
+    MAX(IF(outcome IN ('answered', 'passedon', 'abandoned'), longest, NULL)) AS longestwait,
+    SUM(IF(outcome = 'outbound', legs, 0)) AS outbound,
+    SUM(IF(outcome = 'internal', legs, 0)) AS internal,
+    SUM(legs) AS calls,
     COUNT(DISTINCT day) AS days,
-    ROUND(COUNT(*) / COUNT(DISTINCT day), 1) AS callsaday,
-    COUNT(*) AS n_calls
+    ROUND(SUM(legs) / COUNT(DISTINCT day), 1) AS callsaday,
+    SUM(legs) AS n_calls
 FROM (
-    SELECT TIME_FORMAT(SEC_TO_TIME(HOUR(gmtdatetime) * 3600 + (MINUTE(gmtdatetime) >= 30) * 1800),
-            '%H:%i') AS begins,
+    SELECT HOUR(gmtdatetime) * 2 + (MINUTE(gmtdatetime) >= 30) AS slot,
         TO_DAYS(gmtdatetime) AS day,
-        A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> '' AS inbound,
-        B_Trunk <> '' AND B_Out = 1 AND origCostCentre <> '' AS outbound,
-        A_Trunk = '' AND B_Trunk = '' AS internal,
-        hasconnected AS answered,
-        hasconnected = 0 AND B_Remote LIKE '!LeaveVoicemail%' AS voicemail,
-        hasconnected = 0 AND transfercall = 1 AND callduration < 2
-            AND B_Remote NOT LIKE '!LeaveVoicemail%' AS passedon,
-        callduration - callconnected AS ringing
+        CASE WHEN A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> '' THEN
+                CASE WHEN hasconnected THEN 'answered'
+                    WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
+                    WHEN transfercall = 1 AND callduration < 2 THEN 'passedon'
+                    ELSE 'abandoned' END
+            WHEN B_Trunk <> '' AND B_Out = 1 AND origCostCentre <> '' THEN 'outbound'
+            WHEN A_Trunk = '' AND B_Trunk = '' THEN 'internal'
+            ELSE 'other' END AS outcome,
+        COUNT(*) AS legs, SUM(callduration - callconnected) AS rings,
+        MAX(callduration - callconnected) AS longest
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND B_Remote <> '!CollectVoicemail'
         AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
             OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
-) AS leg
-GROUP BY begins
-ORDER BY begins
+    GROUP BY slot, day, outcome
+) AS part
+GROUP BY slot
+ORDER BY slot

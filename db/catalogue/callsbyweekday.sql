@@ -14,32 +14,37 @@
 SELECT ELT(dayofweek, 'Sunday', 'Monday', 'Tuesday', 'Wednesday', 'Thursday', 'Friday', 'Saturday')
         AS weekday,
     CONCAT(LPAD(hour, 2, '0'), ':00') AS begins,
-    COUNT(*) AS calls,
-    SUM(inbound) AS inbound,
-    SUM(inbound AND answered) AS answered,
-    SUM(inbound AND NOT answered AND NOT voicemail AND NOT passedon) AS abandoned,
-    ROUND(100 * SUM(inbound AND answered) / NULLIF(SUM(inbound), 0), 1) AS answeredpct,
-    SUM(outbound) AS outbound,
-    SUM(internal) AS internal,
+    SUM(legs) AS calls,
+    SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)) AS inbound,
+    SUM(IF(outcome = 'answered', legs, 0)) AS answered,
+    SUM(IF(outcome = 'abandoned', legs, 0)) AS abandoned,
+    ROUND(100 * SUM(IF(outcome = 'answered', legs, 0))
+        / NULLIF(SUM(IF(outcome IN ('answered', 'voicemail', 'passedon', 'abandoned'), legs, 0)), 0), 1)
+        AS answeredpct,
+    SUM(IF(outcome = 'outbound', legs, 0)) AS outbound,
+    SUM(IF(outcome = 'internal', legs, 0)) AS internal,
     COUNT(DISTINCT day) AS weeks,
-    ROUND(COUNT(*) / COUNT(DISTINCT day), 1) AS callsaweek,
-    dayofweek, hour, COUNT(*) AS n_calls
+    ROUND(SUM(legs) / COUNT(DISTINCT day), 1) AS callsaweek,
+    dayofweek, hour, SUM(legs) AS n_calls
 FROM (
     SELECT DAYOFWEEK(gmtdatetime) AS dayofweek, HOUR(gmtdatetime) AS hour,
         TO_DAYS(gmtdatetime) AS day,
-        A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> '' AS inbound,
-        B_Trunk <> '' AND B_Out = 1 AND origCostCentre <> '' AS outbound,
-        A_Trunk = '' AND B_Trunk = '' AS internal,
-        hasconnected AS answered,
-        hasconnected = 0 AND B_Remote LIKE '!LeaveVoicemail%' AS voicemail,
-        hasconnected = 0 AND transfercall = 1 AND callduration < 2
-            AND B_Remote NOT LIKE '!LeaveVoicemail%' AS passedon
+        CASE WHEN A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> '' THEN
+                CASE WHEN hasconnected THEN 'answered'
+                    WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
+                    WHEN transfercall = 1 AND callduration < 2 THEN 'passedon'
+                    ELSE 'abandoned' END
+            WHEN B_Trunk <> '' AND B_Out = 1 AND origCostCentre <> '' THEN 'outbound'
+            WHEN A_Trunk = '' AND B_Trunk = '' THEN 'internal'
+            ELSE 'other' END AS outcome,
+        COUNT(*) AS legs
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND B_Remote <> '!CollectVoicemail'
         AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
             OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
-) AS leg
+    GROUP BY dayofweek, hour, day, outcome
+) AS part
 GROUP BY dayofweek, hour
 ORDER BY (dayofweek - [startday] + 7) % 7, hour
