@@ -3,7 +3,6 @@
 -- category: 3
 -- listorder: 10
 -- format: graph:stack series:inseconds,outseconds label:trunk
--- opt_trunkgroup: 1
 -- help: Inbound and outbound count each call that came in or went out through the trunk once. Legs are its parts: a call that is transferred, or diverted to an outside number, takes up its trunks for each of its legs. The system's own announcements and recordings run beside a leg and take up none.
 -- help: Time in use runs from the first ring to the end of each leg. Share is the trunk's part of the time in use of all trunks.
 -- help: Average traffic in erlangs is time in use / length of the period (ITU-T E.600: one erlang is one line in use all the time). The period's length is its days from the first one with a call, times the hours of the time window.

@@ -7,7 +7,7 @@
 -- opt_department: 1
 -- opt_ddi: 1
 -- help: A call counts once, for the number that its caller dialled, and by what became of it where it began. Answered, voicemail, passed on and abandoned are the four ways in which it can end; together they are the calls. Passed on: diverted before the telephone rang. Answered % is answered / calls x 100.
--- help: Average wait is the ring time of the answered calls / answered calls. Last call is the start of the latest call to the number in the period.
+-- help: Average wait is the ring time of the answered calls / answered calls. Last called is the day of the latest call to the number in the period.
 --
 -- Only the party dialled is named and counted, and B_Name carries [entity]; neither the caller nor
 -- the one who answered is shown.
@@ -17,7 +17,7 @@ SELECT SQL_BIG_RESULT ddi, MAX(destination) AS destination,
     ROUND(100 * SUM(answered) / COUNT(*), 1) AS answeredpct,
     SUM(IF(answered, ringing, 0)) AS wait,
     ROUND(SUM(IF(answered, ringing, 0)) / NULLIF(SUM(answered), 0)) AS avgwait,
-    SUM(talk) AS talk, MAX(start) AS lastcall, COUNT(*) AS n_calls
+    SUM(talk) AS talk, DATE(MAX(start)) AS lastcalled, COUNT(*) AS n_calls
 FROM (
     SELECT customerid, targetNumber AS ddi, B_Name AS destination, gmtdatetime AS start,
         hasconnected AS answered, B_Remote LIKE '!LeaveVoicemail%' AS voicemail,

@@ -2,7 +2,7 @@
 -- description: Calls that came in through one trunk and left through another, because somebody diverts their telephone to an outside number or the system connects two networks. Each of them takes up two lines, and the way out costs money.
 -- category: 3
 -- listorder: 20
--- format: money graph:bar series:legs label:route
+-- format: money graph:bar series:legs label:Route
 -- opt_trunk: 1
 -- help: Calls counts each passage from trunk to trunk once, answered those that the outside party took. Answered % is answered / calls x 100.
 -- help: Average wait runs from the first ring to the answer, for answered calls. Lines in use is twice the time from the first ring to the end, since each call holds a line on either trunk.
@@ -10,7 +10,8 @@
 --
 -- Neither party is shown. A call counts when the department that it is booked to carries [entity];
 -- for who may see everybody it counts in any case.
-SELECT CONCAT(origin, ' - ', way) AS route, origin AS fromtrunk, way AS totrunk,
+SELECT CONCAT(SUBSTRING_INDEX(origin, ' (', 1), ' - ', SUBSTRING_INDEX(way, ' (', 1)) AS Route,
+    origin AS fromtrunk, way AS totrunk,
     legs, answered, ROUND(100 * answered / legs, 1) AS answeredpct, wait,
     ROUND(wait / NULLIF(answered, 0)) AS avgwait, talk, inuse, cost
 FROM (

@@ -9,7 +9,7 @@ SELECT targetNumber AS ddi, MAX(cn) AS destination, COUNT(*) AS calls,
     ROUND(100 * AVG(outcome = 'answered'), 1) AS answeredpct,
     IFNULL(SUM(IF(outcome = 'answered', ringing, NULL)), 0) AS wait,
     ROUND(AVG(IF(outcome = 'answered', ringing, NULL))) AS avgwait,
-    SUM(callconnected) AS talk, MAX(gmtdatetime) AS lastcall, COUNT(*) AS n_calls
+    SUM(callconnected) AS talk, MAX(DATE(gmtdatetime)) AS lastcalled, COUNT(*) AS n_calls
 FROM destination INNER JOIN Leg ON B_Num = telephoneNumber AND kind = 'inbound'
 WHERE targetNumber IS NOT NULL
 GROUP BY targetNumber

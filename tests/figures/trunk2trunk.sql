@@ -3,7 +3,7 @@ WITH trunk AS (
         SUBSTR(SUBSTRING_INDEX(SUBSTRING_INDEX(dn, ',', 2), ',', -1), 4), ')') AS name
     FROM LDAPTrunks WHERE customerId = @customer
 )
-SELECT CONCAT(origin.name, ' - ', way.name) AS route, origin.name AS fromtrunk, way.name AS totrunk,
+SELECT origin.name AS fromtrunk, way.name AS totrunk,
     COUNT(*) AS legs, COUNT(NULLIF(callconnected, 0)) AS answered,
     ROUND(100 * AVG(callconnected > 0), 1) AS answeredpct,
     IFNULL(SUM(IF(callconnected > 0, ringing, NULL)), 0) AS wait,

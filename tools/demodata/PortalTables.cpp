@@ -116,14 +116,15 @@ void WritePermissions(const Company& company, TableSet& tables) {
 
 // What the beginnings of national numbers stand for.
 void WritePrefixes(const std::vector<Company>& companies, TableSet& tables) {
-    const std::array<std::array<const char*, 2>, 8> prefixes = {{{"01", "National"},
+    const std::array<std::array<const char*, 2>, 9> prefixes = {{{"01", "National"},
                                                                  {"02", "National"},
                                                                  {"01632", "Local"},
                                                                  {"020", "London"},
                                                                  {"03", "Non-geographic"},
                                                                  {"07", "Mobile"},
                                                                  {"080", "Freephone"},
-                                                                 {"084", "Special rate"}}};
+                                                                 {"084", "Special rate"},
+                                                                 {"55", "Warehouse"}}};
     tables.Table(
         "DiallingPrefix", "customerid, prefix, name",
         [&](TsvFile& file) {
