@@ -81,7 +81,7 @@ measure_background() {
     session=$(new_session)
     measure_first_byte
     read -r ratio straight_us background_us < \
-        <(measure_hand_over 21 "report=bench$report_rows&reportPeriod=all&sessionId=$session")
+        <(measure_hand_over 21 "report=bench$report_rows&reportPeriod=all&rows=all&sessionId=$session")
     row "$report_rows rows through the fifo / straight, speed" "$ratio" ">= 0.8" \
         "$((background_us / 1000)) ms, $((straight_us / 1000)) ms"
     read -r ratio straight_us background_us < \
