@@ -14,6 +14,7 @@
 #include "portal/report/LumoraReportPage.h"
 #include "portal/report/ReportAutocomplete.h"
 #include "portal/report/ReportProgress.h"
+#include "portal/report/ReportShortcuts.h"
 #include "portal/tabular/TabularReport.h"
 #include "portal/theme/StandardPage.h"
 
@@ -53,6 +54,20 @@ WebItem* BuildCallReport(ManagerContext& ctx) {
     if (std::unique_ptr<WebItem> file = page->GetCSVData()) return file.release();
     if (std::unique_ptr<WebItem> print = page->GetPrintPage(ctx)) return print.release();
     return page.release();
+}
+
+// The report that was run last in this session, with its criteria, as CSV; or the one that the
+// request itself names.
+WebItem* BuildCsvReport(ManagerContext& ctx) {
+    if (!AskForCsv(ctx))
+        return MessagePage(ctx, "No report", "No report has been run in this session yet.");
+    return BuildCallReport(ctx);
+}
+
+// The priced calls of a period, last month unless the request says, as CSV.
+WebItem* BuildPriceRecord(ManagerContext& ctx) {
+    AskForPriceRecord(ctx);
+    return BuildCallReport(ctx);
 }
 
 WebItem* BuildLogout(ManagerContext& ctx) {
@@ -100,6 +115,8 @@ constexpr PageRow kPages[] = {
     {"callreport", Match::kExact, {16, CheckReportCategory}, BuildCallReport, "Reports"},
     {"calllogdrill", Match::kExact, {16, CheckReportCategory}, BuildCallReport, nullptr},
     {"mediadrill", Match::kExact, {16, CheckReportCategory}, BuildCallReport, nullptr},
+    {"csvreport", Match::kExact, {16}, BuildCsvReport, nullptr},
+    {"pricerecord", Match::kExact, {16}, BuildPriceRecord, nullptr},
     {"autorespond2", Match::kExact, {}, Build<ReportValueSuggestions>, nullptr},
     {"autorespond", Match::kExact, {}, Build<ReportEntitySuggestions>, nullptr},
     {"manager.edit", Match::kExact, {}, BuildManagerEdit, nullptr},

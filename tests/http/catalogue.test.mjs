@@ -21,19 +21,26 @@ async function sessionOf(user) {
     return text.match(/sessionId=(\d+)/)[1];
 }
 
-function clean() {
-    sql(`DELETE FROM CallReport WHERE pagename LIKE 'test%'`);
-    for (const user of ['manager', 'masked', 'zoned']) {
-        sql(`DELETE FROM CustomerContactAttrib WHERE userid = ${idOf(user)} AND attribname = 'myreport'`);
-        sql(`DELETE FROM CallReportQuickReport WHERE contactid = ${idOf(user)}`);
+// The demo's own lists are put aside under the negative id, and back at the end.
+const kUsers = ['manager', 'masked', 'zoned'];
+function putBack() {
+    for (const id of kUsers.map(idOf)) {
+        sql(`DELETE FROM CustomerContactAttrib WHERE userid = ${id} AND attribname = 'myreport'`);
+        sql(`DELETE FROM CallReportQuickReport WHERE ContactId = ${id}`);
+        sql(`UPDATE CustomerContactAttrib SET userid = ${id} WHERE userid = -${id}`);
+        sql(`UPDATE CallReportQuickReport SET ContactId = ${id} WHERE ContactId = -${id}`);
     }
+    sql(`DELETE FROM CallReport WHERE pagename LIKE 'test%'`);
 }
 before(() => {
-    clean();
+    for (const id of kUsers.map(idOf)) {
+        sql(`UPDATE CustomerContactAttrib SET userid = -${id} WHERE userid = ${id} AND attribname = 'myreport'`);
+        sql(`UPDATE CallReportQuickReport SET ContactId = -${id} WHERE ContactId = ${id}`);
+    }
     sql(`INSERT INTO CallReport (pagename, name, category, listorder, hidden) VALUES
         ('testcentre', 'Centre <i>', 4, 9999, 0), ('testhidden', 'Hidden', 1, 9999, 1)`);
 });
-after(clean);
+after(putBack);
 
 test('reports stand under their category, and a mask or a category asked for leaves the others out', async () => {
     const all = await get(kCatalogue);
@@ -120,4 +127,28 @@ test('a run without a session of its own runs and says that nothing was saved', 
     assert.match(page.notices[0], /"Mine" was not saved/);
     assert.ok(page.rows.length > 0);
     assert.equal(quickReports('manager').length, before);
+});
+
+test("the last run's rows, and the priced calls of a period, come as CSV for those who may run reports", async () => {
+    const sessionId = await sessionOf('manager');
+    assert.match((await get({ pagename: 'csvreport', sessionId })).text, /No report has been run in this session yet\./);
+    const run = { pagename: 'callreport', report: 'callsbydept', submit: 'Generate Report', reportPeriod: 'lastmonth',
+        searchtype: 'dept', suggest1: 'R&D <Labs>', sessionId };
+    await get(run);
+    const last = await get({ pagename: 'csvreport', sessionId, wait: '1' });
+    assert.equal(last.text, (await get({ ...run, csv: 'true', wait: '1' })).text);
+    assert.match(last.text, /^Department,.*\r\nR&D <Labs>,/);
+
+    const priced = await get({ pagename: 'pricerecord', sessionId, wait: '1' });
+    assert.match(priced.headers['content-type'], /^text\/csv/);
+    assert.match(priced.headers['content-disposition'], /Price Record/);
+    const [{ calls, cost }] = sql(`SELECT COUNT(*) AS calls, SUM(totalcost) AS cost FROM CallLog
+        WHERE customerid = 1 AND totalcost > 0 AND A_Trunk = '' AND B_Trunk <> '' AND
+            EXTRACT(YEAR_MONTH FROM gmtdatetime) = EXTRACT(YEAR_MONTH FROM NOW() - INTERVAL 1 MONTH)`);
+    const rows = priced.text.trim().split('\r\n').slice(1);
+    assert.equal(rows.length, Number(calls));
+    assert.ok(Number(cost) > 0);
+    for (const pagename of ['csvreport', 'pricerecord', 'calllogdrill', 'mediadrill'])
+        assert.match((await get({ pagename }, { user: 'noreports' })).text, /Sorry you do not have rights/, pagename);
+    assert.match((await get({ pagename: 'pricerecord', wait: '1' }, { user: 'masked' })).text, /rights for this|No permission/);
 });

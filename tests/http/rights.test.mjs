@@ -51,13 +51,14 @@ test('a user without call reports is told so on every way to them', async () => 
 });
 
 test('a user with a report mask sees and runs the categories of the mask only', async () => {
-    const listed = (html) => [...mainOf(html).matchAll(/report=([\w.]+)"/g)].map(([, name]) => name);
+    const listed = (html) => [...mainOf(html).matchAll(/&amp;report=([\w.]+)"/g)].map(([, name]) => name);
+    const calls = sql('SELECT pagename FROM CallReport WHERE category = 1').map(({ pagename }) => pagename);
     const byAll = listed((await get()).text);
     const byMasked = listed((await get({}, { user: 'masked' })).text);
     assert.ok(byAll.includes(kCostReport));
     assert.deepEqual(
         byMasked,
-        byAll.filter((name) => name !== kCostReport),
+        byAll.filter((name) => calls.includes(name)),
     );
 
     const form = await get({ pagename: 'callreport', report: kCostReport }, { user: 'masked' });

@@ -21,6 +21,7 @@
 #include "portal/report/ReportMessage.h"
 #include "portal/report/ReportPrintPage.h"
 #include "portal/report/ReportProgress.h"
+#include "portal/report/ReportShortcuts.h"
 
 namespace {
 
@@ -240,6 +241,7 @@ void LumoraReportPage::AddForm(PortalContext& ctx, const ReportDefinition& defin
 void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& definition,
                                  const LumoraReportFilter& filter) {
     filter.SaveToSession(ctx);
+    RememberRun(ctx, definition, filter);
     saved_ = SaveQuickReport(ctx, definition, filter);
     StartRun(ctx, definition, filter);
 }
