@@ -106,7 +106,7 @@ class PngChart {
     bool IsEmpty() const;
     void BuildAxis();
     void PlotAxis();
-    int YLabelSize() const;
+    void ReadYLabelStyle();
     UString YLabel(int index) const;
     bool IsTime() const;
 
@@ -146,4 +146,6 @@ class PngChart {
     ChartScale scale_;
     unsigned axisColour_ = 0x0000BC;
     int tickLength_ = 0;
+    int yLabelSize_ = 11;
+    unsigned yLabelColour_ = 0x303030;
 };

@@ -10,7 +10,6 @@
 namespace {
 
 constexpr char kTimeLegend[] = "Minutes on Calls";  // its axis counts seconds
-constexpr int kAxisLabelSize = 11;
 constexpr int kAxisMargin = 6;
 constexpr int kRightMargin = 12;
 constexpr double kLineHeight = 1.6;  // between two labels, in sizes
@@ -59,11 +58,13 @@ bool PngChart::IsEmpty() const {
     return true;
 }
 
-// From "size,#colour".
-int PngChart::YLabelSize() const {
-    if (ystyle == nullptr) return kAxisLabelSize;
-    const long told = std::clamp(strtol(ystyle->String(), nullptr, 10), 0L, 1000L);
-    return std::clamp(static_cast<int>(told * 80 / 100), 1, ChartFont::kMaxSize);
+// The style of the value labels is "size,#colour"; their size is eight tenths of the one told.
+void PngChart::ReadYLabelStyle() {
+    if (ystyle == nullptr) return;
+    char* end = nullptr;
+    const long told = std::clamp(strtol(ystyle->String(), &end, 10), 0L, 1000L);
+    yLabelSize_ = std::clamp(static_cast<int>(told * 80 / 100), 1, ChartFont::kMaxSize);
+    if (*end == ',') ReadChartColour(end + 1, yLabelColour_);
 }
 
 bool PngChart::IsTime() const {
@@ -84,12 +85,13 @@ void PngChart::BuildAxis() {
             static_cast<int>(std::clamp(ChartNumberOf(yaxis->Find("tick-length"), 0), 0.0, 100.0));
         ReadChartColour(yaxis->String("colour"), axisColour_);
     }
+    ReadYLabelStyle();
     scale_ = MakeChartScale(LargestValue(), max, step,
-                            static_cast<int>(height_chart / (YLabelSize() * kLineHeight)) + 1);
+                            static_cast<int>(height_chart / (yLabelSize_ * kLineHeight)) + 1);
     ymax = static_cast<int>(std::ceil(scale_.top));
     int widest = 0;
     for (int i = 0; i < scale_.labels; ++i)
-        widest = std::max(widest, png.get_text_width(kVeraPath, YLabelSize(), YLabel(i).c_str()));
+        widest = std::max(widest, png.get_text_width(kVeraPath, yLabelSize_, YLabel(i).c_str()));
     if (ylegend_text != nullptr) x_origin += ylegend_text->Height() + kAxisMargin;
     x_origin += widest + tickLength_ + kAxisMargin;
     plotWidth_ = std::max(width - x_origin - kRightMargin, 1);
@@ -104,8 +106,8 @@ void PngChart::PlotAxis() {
         if (i > 0) Line(x_origin + 1, y, right, y, kGridColour);
         if (tickLength_ > 0) Line(x_origin - tickLength_, y, x_origin - 1, y, axisColour_);
         const UString label = YLabel(i);
-        const int labelWidth = png.get_text_width(kVeraPath, YLabelSize(), label.c_str());
-        Write(kVeraPath, YLabelSize(), x_origin - tickLength_ - labelWidth - kAxisMargin / 2,
-              y - YLabelSize() / 2, 0, label.c_str(), 0x303030);
+        const int labelWidth = png.get_text_width(kVeraPath, yLabelSize_, label.c_str());
+        Write(kVeraPath, yLabelSize_, x_origin - tickLength_ - labelWidth - kAxisMargin / 2,
+              y - yLabelSize_ / 2, 0, label.c_str(), yLabelColour_);
     }
 }

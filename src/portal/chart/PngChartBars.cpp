@@ -1,7 +1,6 @@
 // Bars: plain, like glass, and stacked.
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "portal/chart/PngChart.h"
 
@@ -125,12 +124,8 @@ void PngChart::AddRectangle(int left, int bottom, int right, int top, const Char
     const UString link = GetLink(value);
     if (link.IsEmpty()) return;
     // An image map counts from the upper left corner.
-    char coordinates[64];
-    snprintf(coordinates, sizeof coordinates, "%d,%d,%d,%d", left - 1, height - top, right,
-             height - bottom + 1);
-    areas_ += "<area shape=\"rect\" coords=\"";
-    areas_ += coordinates;
-    areas_ += "\" href=\"";
-    areas_ += link.c_str();
-    areas_ += "\" >\n";
+    UString area;
+    area.Format("<area shape=\"rect\" coords=\"%d,%d,%d,%d\" href=\"%s\" >\n", left - 1,
+                height - top, right, height - bottom + 1, link.c_str());
+    areas_ += area.c_str();
 }

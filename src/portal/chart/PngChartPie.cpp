@@ -1,7 +1,6 @@
 // Pies: slices, the areas of their links, and labels at both sides.
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "common/Html.h"
 #include "portal/chart/ChartFont.h"
@@ -73,8 +72,10 @@ std::vector<const ChartPie::Slice*> SideOf(const ChartPie& pie, bool isRight, si
 
 void PngChart::PlotPieChart() {
     const ChartValueList values = ReadPieValues(*e0, colours_);
+    // Told against the clock from three o'clock, as angles are in geometry; the slices run
+    // clockwise.
     const double degrees = ChartNumberOf(e0->Find("start-angle"), 0);
-    ChartPie pie(values, std::isfinite(degrees) ? std::fmod(degrees, 360) * kTurn / 360 : 0);
+    ChartPie pie(values, std::isfinite(degrees) ? -std::fmod(degrees, 360) * kTurn / 360 : 0);
     pie.x = width / 2.0;
     pie.y = (height - height_title) / 2.0;
     PieLabelStyle style;
@@ -188,34 +189,30 @@ void PngChart::PlotPieLabels(const ChartPie& pie, bool isRight, const PieLabelSt
 
 // The slice's area in the image map, which counts from the upper left corner.
 void PngChart::AddSlice(const ChartPie& pie, const ChartPie::Slice& slice) {
-    const UString link = GetLink(*slice.value);
+    const UString link = GetLink(*slice.value), label = HtmlAttr(slice.value->label);
     if (link.IsEmpty()) return;
-    char text[96];
-    const auto addPoint = [&](const char* fmt, double x, double y) {
-        snprintf(text, sizeof text, fmt, static_cast<int>(std::lround(x)),
-                 height - static_cast<int>(std::lround(y)));
-        areas_ += text;
-    };
+    const auto pixel = [](double at) { return static_cast<int>(std::lround(at)); };
+    const int x = pixel(pie.x), y = height - pixel(pie.y);
+    UString text;
     if (pie.slices.size() == 1) {
-        addPoint("<area shape=\"circle\" coords=\"%d,%d", pie.x, pie.y);
-        snprintf(text, sizeof text, ",%d\" href=\"", static_cast<int>(std::lround(pie.radius)));
-        areas_ += text;
-        areas_ += link.c_str();
-        areas_ += "\" alt=\"";
-        areas_ += HtmlAttr(slice.value->label).c_str();
-        areas_ += "\">\r\n";
+        text.Format("<area shape=\"circle\" coords=\"%d,%d,%d\" href=\"%s\" alt=\"%s\">\r\n", x, y,
+                    pixel(pie.radius), link.c_str(), label.c_str());
+        areas_ += text.c_str();
         return;
     }
-    const double arc = slice.end - slice.begin;
-    const int steps = std::max(static_cast<int>(arc * pie.radius / kEdgeStep), 1);
-    addPoint("<area shape=\"poly\" coords=\"%d,%d", pie.x, pie.y);
+    const int steps =
+        std::max(static_cast<int>((slice.end - slice.begin) * pie.radius / kEdgeStep), 1);
     for (int i = 0; i <= steps; ++i) {
-        const double angle = slice.begin + arc * i / steps;
-        addPoint(",%d,%d", pie.X(angle, pie.radius), pie.Y(angle, pie.radius));
+        const double angle = slice.begin + (slice.end - slice.begin) * i / steps;
+        const int edgeX = pixel(pie.X(angle, pie.radius));
+        const int edgeY = height - pixel(pie.Y(angle, pie.radius));
+        if (i == 0)
+            text.Format("<area shape=\"poly\" coords=\"%d,%d,%d,%d", x, y, edgeX, edgeY);
+        else if (i < steps)
+            text.Format(",%d,%d", edgeX, edgeY);
+        else
+            text.Format(",%d,%d\" href=\"%s\" alt=\"%s\" />\r\n", edgeX, edgeY, link.c_str(),
+                        label.c_str());
+        areas_ += text.c_str();
     }
-    areas_ += "\" href=\"";
-    areas_ += link.c_str();
-    areas_ += "\" alt=\"";
-    areas_ += HtmlAttr(slice.value->label).c_str();
-    areas_ += "\" />\r\n";
 }
