@@ -64,9 +64,9 @@ const all = (html, pattern) => [...html.matchAll(pattern)].map(([, text]) => tex
 const cells = (row) => all(row, /<t[dh][^>]*>(.*?)<\/t[dh]>/g);
 
 /** A report's page taken apart: { lines, headings, rows, series: [{ title, rows, totals }], totals, count,
- * notices, warnings }, all as the texts that a reader sees. */
+ * notices, warnings }, all as the texts that a reader sees; but not its graph, which has a table too. */
 export function shown(html) {
-    const main = mainOf(html);
+    const main = mainOf(html).replace(/<figure.*?<\/figure>/gs, '');
     const table = main.match(/<table class="reportTable">.*?<\/table>/s)?.[0] ?? '';
     const rowsOf = (element) => [
         ...(table.match(new RegExp(`<${element}>(.*?)</${element}>`, 's'))?.[1] ?? '').matchAll(

@@ -93,7 +93,8 @@
         if (value === null || value === undefined) return "-";
         if (!chart.isTime) return value.toLocaleString("en-GB", { maximumFractionDigits: 4 });
         const two = (number) => String(Math.floor(number)).padStart(2, "0");
-        return `${two(value / 3600)}:${two((value / 60) % 60)}:${two(value % 60)}`;
+        const seconds = Math.abs(value);
+        return `${value < 0 ? "-" : ""}${two(seconds / 3600)}:${two((seconds / 60) % 60)}:${two(seconds % 60)}`;
     }
 
     const sum = (points) => points.reduce((total, { value }) => total + (value ?? 0), 0);
@@ -197,14 +198,14 @@
                 pointStyle: kPointStyles[at % kPointStyles.length],
                 pointRadius: series.points.length > 62 ? 0 : 3,
                 pointHitRadius: 8,
-                tension: 0,
+                clip: 8,
             };
         return {
             ...common,
             backgroundColor: chart.isGlass ? glass(series.colour, theme) : fillOf(series.colour, theme),
             borderWidth: 1,
             borderRadius: chart.isStacked ? 0 : 3,
-            maxBarThickness: 64,
+            maxBarThickness: 90,
         };
     }
 
@@ -332,7 +333,8 @@
 
     // The table is there for screen readers from the start; the button shows it to everybody.
     function addTable(figure, chart, id) {
-        const table = make("div", { id: `${id}Table`, class: "srOnly" }, tableOf(chart));
+        const table = make("div", { id: `${id}Table`, class: "srOnly", role: "region" }, tableOf(chart));
+        table.setAttribute("aria-label", `Figures of the chart ${chart.title}`);
         const button = make(
             "button",
             { type: "button", class: "chartToggle", "aria-expanded": "false", "aria-controls": table.id },
@@ -343,6 +345,8 @@
             button.setAttribute("aria-expanded", String(isShown));
             button.textContent = isShown ? "Hide the table" : "Show as table";
             table.className = isShown ? "chartTable" : "srOnly";
+            if (isShown) table.tabIndex = 0;
+            else table.removeAttribute("tabindex");
             for (const link of table.querySelectorAll("a")) link.tabIndex = isShown ? 0 : -1;
         });
         figure.append(button, table);

@@ -7,6 +7,8 @@
 #include "cgiFramework/WebPage.h"
 #include "portal/chart/OpenFlashGraph.h"
 
+class JsonObj;
+
 class LumoraReportGraph : public WebItem {
   public:
     // Writes the graph for the browser.
@@ -25,6 +27,7 @@ class ReportChart : public LumoraReportGraph {
     void RenderImage(WebContext& ctx, WebRender* out) override;
 
   private:
+    std::string DrawPicture(JsonObj& json, UString& mapName, UString& map);
     void WriteNote(WebRender& out) const;
 
     std::unique_ptr<OpenFlashGraph> chart_;

@@ -12,9 +12,10 @@
 
 namespace {
 
-constexpr size_t kMostBars = 31;      // of labels in an order: a month of days
-constexpr size_t kMostKept = 1000;    // rows, before all but the largest are dropped
-constexpr size_t kMostKeyed = 20000;  // rows of a report with a key column
+constexpr size_t kMostBars = 31;         // of labels in an order: a month of days
+constexpr size_t kMostKept = 1000;       // rows, before all but the largest are dropped
+constexpr size_t kMostKeyed = 20000;     // rows of a report with a key column
+constexpr double kMostOthers = 1.0 / 3;  // of a pie, in one slice
 constexpr int kChartWidth = 900;
 constexpr int kChartHeight = 320;
 
@@ -33,6 +34,15 @@ struct KindName {
 
 bool IsSummed(const LumoraSQLColumnDescription& column) {
     return strcmp(column.totaltype, "sum") == 0 || strcmp(column.totaltype, "count") == 0;
+}
+
+ReportGraphValue SumOf(const ReportGraphValue& a, const ReportGraphValue& b) {
+    ReportGraphValue sum;
+    sum.number = a.number + b.number;
+    char text[32];
+    snprintf(text, sizeof text, "%.12g", sum.number);
+    sum.text = text;
+    return sum;
 }
 
 // The next word of a list, which it is taken from.
@@ -87,6 +97,7 @@ LumoraReportGraphBuilder::Column LumoraReportGraphBuilder::Find(std::string_view
 
 void LumoraReportGraphBuilder::ChooseColumns(std::string_view series, std::string_view label) {
     if (!label.empty()) label_ = Find(label);
+    const bool isLabelChosen = label_.field >= 0;
     for (const LumoraSQLColumnDescription& each : columns_) {
         const Column column = Find(each.fieldname);
         if (column.field < 0 || column.field == key_.field) continue;
@@ -105,7 +116,10 @@ void LumoraReportGraphBuilder::ChooseColumns(std::string_view series, std::strin
     if (!chosenSeries_) ChooseSeries();
     const size_t most = key_.field >= 0 ? 1 : kMostSeries;
     if (drawn_.size() > most) drawn_.resize(most);
-    if (label_.field < 0 || (kind_ == kHeat && key_.field < 0)) drawn_.clear();
+    merges_ = isLabelChosen && key_.field < 0 && AreSums();
+    // Numbers that stand in no order name nothing that could be compared.
+    const bool isNamed = label_.field >= 0 && (IsOrdered() || label_.style == ReportStyle::kText);
+    if (!isNamed || (kind_ == kHeat && key_.field < 0)) drawn_.clear();
 }
 
 // The columns of that style, but for label and key: those with a sum that share a group with the
@@ -166,20 +180,36 @@ void LumoraReportGraphBuilder::AddRow(const std::vector<std::string_view>& row) 
     Point point{std::string(row[label_.field]), {}, {}, height};
     if (key_.field >= 0) point.key = row[key_.field];
     for (const Column& column : drawn_) {
-        point.values.push_back(ValueOf(column, row));
-        if (link_ != nullptr && *column.description->linkpage != '\0')
-            point.values.back().link = link_(*column.description, row);
+        ReportGraphValue& value = point.values.emplace_back(ValueOf(column, row));
+        // Where nothing was counted there is nothing to see.
+        if (link_ != nullptr && *column.description->linkpage != '\0' && value.number != 0)
+            value.link = link_(*column.description, row);
     }
+    if (merges_ && Merge(point)) return;
     points_.push_back(std::move(point));
-    if (points_.size() > (key_.field >= 0 ? kMostKeyed : kMostKept)) KeepLargest();
+    const size_t most = key_.field >= 0 || merges_ ? kMostKeyed : kMostKept;
+    if (points_.size() > most) KeepLargest();
+}
+
+// Adds the point to the one of its label, if there is one: together they lead nowhere.
+bool LumoraReportGraphBuilder::Merge(const Point& point) {
+    const auto [at, isNew] = byLabel_.try_emplace(point.label, points_.size());
+    if (isNew) return false;
+    merged_ = true;
+    Point& to = points_[at->second];
+    to.height += point.height;
+    for (size_t i = 0; i < to.values.size(); ++i)
+        to.values[i] = SumOf(to.values[i], point.values[i]);
+    return true;
 }
 
 void LumoraReportGraphBuilder::KeepLargest() {
-    if (key_.field >= 0 || IsOrdered()) {
+    if (key_.field >= 0 || merged_ || IsOrdered()) {
         tooMany_ = true;
         points_.clear();
         return;
     }
+    merges_ = false;
     std::stable_sort(points_.begin(), points_.end(),
                      [](const Point& a, const Point& b) { return a.height > b.height; });
     points_.resize(kTopNames);
@@ -225,7 +255,6 @@ ReportGraphData LumoraReportGraphBuilder::ByKey() {
     }
     for (ReportGraphSeries& series : data.series)
         series.values.resize(data.labels.size());
-    data.SortLabels();
     return data;
 }
 
@@ -233,7 +262,7 @@ LumoraReportGraphBuilder::Kind LumoraReportGraphBuilder::Choose(const ReportGrap
     const bool several = data.series.size() > 1;
     if (data.HasNegative()) return kBar;  // stands for no part of a whole
     if (kind_ != kChoose) return kind_;
-    if (IsOrdered()) {
+    if (IsOrdered() || data.HasOrderedLabels()) {
         if (data.labels.size() > kMostBars || !AreSums()) return kLine;
         return several ? kStack : kGlass;
     }
@@ -246,49 +275,56 @@ std::unique_ptr<LumoraReportGraph> LumoraReportGraphBuilder::Build(PortalContext
                                                                    const char* title) {
     if (tooMany_ || rows_ < 2) return nullptr;
     ReportGraphData data = key_.field >= 0 ? ByKey() : ByColumn();
-    if (data.labels.size() < 2 || !data.HasShape()) return nullptr;
+    if (data.labels.size() < 2 || data.RepeatsLabels() || !data.HasShape()) return nullptr;
     for (std::string& label : data.labels)
         if (label.empty()) label = "(none)";
     if (kind_ == kHeat)
         return std::make_unique<ReportHeatTable>(std::move(data), drawn_[0].style, title,
                                                  HeadingOf(label_), HeadingOf(key_));
-    if (IsOrdered() && data.labels.size() > kMostPoints) return nullptr;
+    const bool isOrdered = IsOrdered() || data.HasOrderedLabels();
+    if (isOrdered && data.labels.size() > kMostPoints) return nullptr;
+    if (isOrdered) data.SortLabels();  // the rows may come in another order
 
     if (!chosenSeries_ && key_.field < 0 && AreSums() && (kind_ == kChoose || kind_ == kStack))
         data.DropWhole();
     std::string note;
     if (data.series.size() > kMostSeries) {
         note = "The " + std::to_string(kMostSeries) + " largest series of " +
-               std::to_string(data.series.size()) + ". ";
+               std::to_string(data.series.size()) + ".";
         data.KeepLargestSeries(kMostSeries);
     }
-    const Kind kind = Choose(data);
-    const uint64_t labels = key_.field >= 0 ? data.labels.size() : rows_;
+    Kind kind = Choose(data);
+    if (kind == kPie && ShareOfOthers(data) > kMostOthers) kind = kGlass;
+    const uint64_t labels = key_.field >= 0 || merged_ ? data.labels.size() : rows_;
     if (kind == kPie) {
         AddOthers(data);
-    } else if (!IsOrdered() && labels > kMostNames) {
+    } else if (!isOrdered && labels > kMostNames) {
         data.KeepLargestLabels(kTopNames);
+        if (!note.empty()) note += ' ';
         note += "The " + std::to_string(kTopNames) + " largest of " + std::to_string(labels) + ".";
     }
     return Draw(ctx, title, data, kind, std::move(note));
 }
 
+// What a pie would have to leave to one slice.
+double LumoraReportGraphBuilder::ShareOfOthers(ReportGraphData data) const {
+    if (data.labels.size() <= kMostSlices) return 0;
+    data.series.resize(1);
+    data.KeepLargestLabels(kMostSlices - 1);
+    return 1 - data.series[0].Sum() / total_;
+}
+
 // Slices beyond the largest become one.
 void LumoraReportGraphBuilder::AddOthers(ReportGraphData& data) const {
     data.series.resize(1);
-    if (rows_ <= kMostSlices) return;
+    if (data.labels.size() <= kMostSlices) return;
     data.KeepLargestLabels(kMostSlices - 1);
-    ReportGraphValue others;
-    others.number = total_ - data.series[0].Sum();
-    char text[32];
-    snprintf(text, sizeof text, "%.10g", others.number);
-    others.text = text;
     data.labels.push_back("Others");
-    data.series[0].values.push_back(std::move(others));
+    data.series[0].values.push_back(SumOf({"", total_, ""}, {"", -data.series[0].Sum(), ""}));
 }
 
 std::string LumoraReportGraphBuilder::HeadingOf(const Column& column) const {
-    return column.description != nullptr ? column.description->description : names_[column.field];
+    return column.description != nullptr ? column.description->description : "";
 }
 
 // What the value axis counts.

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "portal/report/LumoraReportGraph.h"
@@ -19,7 +20,8 @@ class PortalContext;
 
 // Kind, series and labels come from the words of the definition's `format` or, where it says
 // nothing, from the columns and the rows:
-//  - the labels are the first column that is no series' key;
+//  - the labels are the first column that is no series' key; with a "label:" of sums, rows of the
+//    same label add up;
 //  - the series are the columns of style number and total type sum that share the group title of
 //  the
 //    first of them; without such columns, those of style time (with the axis "Minutes on Calls"),
@@ -28,7 +30,8 @@ class PortalContext;
 //  - days, months, hours and the like are drawn as lines when they are many or are no sums, else as
 //    bars; names as a pie when they are few and have one series; several series of sums are
 //    stacked, without the one that is the sum of the others.
-// Of many names the largest are drawn. Memory does not grow with the number of rows.
+// Of many names the largest are drawn. Rows whose labels repeat are a list and have no graph.
+// Memory does not grow with the number of rows.
 class LumoraReportGraphBuilder : public ReportRowReader {
   public:
     // The URL behind the cell of that column in that row (raw, in the result's order), or "".
@@ -75,6 +78,7 @@ class LumoraReportGraphBuilder : public ReportRowReader {
     Column Find(std::string_view fieldname) const;
     std::vector<Column> Where(ReportStyle style, bool summed) const;
     ReportGraphValue ValueOf(const Column& column, const std::vector<std::string_view>& row) const;
+    bool Merge(const Point& point);
     void KeepLargest();
     ReportGraphData ByColumn();
     ReportGraphData ByKey();
@@ -82,6 +86,7 @@ class LumoraReportGraphBuilder : public ReportRowReader {
     bool IsOrdered() const;
     Kind Choose(const ReportGraphData& data) const;
     static const char* SeriesType(Kind kind);
+    double ShareOfOthers(ReportGraphData data) const;
     void AddOthers(ReportGraphData& data) const;
     std::string HeadingOf(const Column& column) const;
     std::string ValueLegend(const PortalContext& ctx) const;
@@ -97,9 +102,12 @@ class LumoraReportGraphBuilder : public ReportRowReader {
     std::vector<Column> drawn_;
     CellLink link_;
     std::vector<Point> points_;
+    std::unordered_map<std::string, size_t> byLabel_;  // their positions, where rows merge
     uint64_t rows_ = 0;
     double total_ = 0;  // of the first drawn column, over all rows
     double smallest_ = -std::numeric_limits<double>::infinity();  // height of what is worth keeping
     bool chosenSeries_ = false;                                   // by the format
+    bool merges_ = false;  // rows of the same label become one point
+    bool merged_ = false;
     bool tooMany_ = false;
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <numeric>
+#include <set>
 #include <utility>
 
 namespace {
@@ -17,6 +18,11 @@ bool IsDate(std::string_view text) {
            IsDigits(text.substr(5, 2));
 }
 
+bool IsTimeOfDay(std::string_view text) {
+    return text.size() >= 5 && IsDigits(text.substr(0, 2)) && text[2] == ':' &&
+           IsDigits(text.substr(3, 2));
+}
+
 template <class Test>
 bool All(const std::vector<std::string>& texts, Test test) {
     return std::all_of(texts.begin(), texts.end(), test);
@@ -27,6 +33,24 @@ std::vector<size_t> Indices(size_t count) {
     std::vector<size_t> indices(count);
     std::iota(indices.begin(), indices.end(), size_t{0});
     return indices;
+}
+
+// Are these all dates, or all times of day?
+bool HaveOrder(const std::vector<std::string>& texts) {
+    return All(texts, IsDate) || All(texts, IsTimeOfDay);
+}
+
+// The indices of the texts in their own order; as they stand when they have none.
+std::vector<size_t> OrderOf(const std::vector<std::string>& texts) {
+    std::vector<size_t> order = Indices(texts.size());
+    if (All(texts, IsDigits))
+        std::stable_sort(order.begin(), order.end(), [&texts](size_t a, size_t b) {
+            return atoll(texts[a].c_str()) < atoll(texts[b].c_str());
+        });
+    else if (HaveOrder(texts))
+        std::stable_sort(order.begin(), order.end(),
+                         [&texts](size_t a, size_t b) { return texts[a] < texts[b]; });
+    return order;
 }
 
 }  // namespace
@@ -52,6 +76,11 @@ bool ReportGraphData::HasShape() const {
     return false;
 }
 
+bool ReportGraphData::RepeatsLabels() const {
+    const std::set<std::string> distinct(labels.begin(), labels.end());
+    return distinct.size() * 10 < labels.size() * 9;
+}
+
 double ReportGraphData::Height(size_t label) const {
     double height = 0;
     for (const ReportGraphSeries& each : series)
@@ -71,16 +100,22 @@ void ReportGraphData::Reorder(const std::vector<size_t>& order) {
         apply(each.values);
 }
 
+bool ReportGraphData::HasOrderedLabels() const {
+    return HaveOrder(labels);
+}
+
 void ReportGraphData::SortLabels() {
-    std::vector<size_t> order = Indices(labels.size());
-    if (All(labels, IsDigits))
-        std::stable_sort(order.begin(), order.end(), [this](size_t a, size_t b) {
-            return atoll(labels[a].c_str()) < atoll(labels[b].c_str());
-        });
-    else if (All(labels, IsDate))
-        std::stable_sort(order.begin(), order.end(),
-                         [this](size_t a, size_t b) { return labels[a] < labels[b]; });
-    Reorder(order);
+    Reorder(OrderOf(labels));
+}
+
+void ReportGraphData::SortSeries() {
+    std::vector<std::string> names;
+    for (const ReportGraphSeries& each : series)
+        names.push_back(each.name);
+    std::vector<ReportGraphSeries> sorted;
+    for (const size_t index : OrderOf(names))
+        sorted.push_back(std::move(series[index]));
+    series = std::move(sorted);
 }
 
 void ReportGraphData::KeepLargestLabels(size_t count) {

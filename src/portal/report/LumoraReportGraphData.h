@@ -27,10 +27,17 @@ struct ReportGraphData {
     bool HasNegative() const;
     // Is there any value but zero?
     bool HasShape() const;
+    // Do labels come again and again, as in a list whose rows are no groups? The few of customers
+    // that have a name in common do not count.
+    bool RepeatsLabels() const;
     // The sum of the values of one label.
     double Height(size_t label) const;
-    // Puts the labels into their order where all are numbers or all are dates (yyyy-mm...).
+    // Are all labels dates (yyyy-mm...), or all times of day (hh:mm...)?
+    bool HasOrderedLabels() const;
+    // Puts the labels into their order where they have one or are all numbers.
     void SortLabels();
+    // The same with the series' names.
+    void SortSeries();
     // Keeps the labels with the largest heights, the largest first.
     void KeepLargestLabels(size_t count);
     // Keeps the series with the largest sums, in their order.

@@ -1,18 +1,9 @@
 #include "portal/report/LumoraReportGraphHeat.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include "common/Html.h"
-
-namespace {
-
-bool IsNumber(const std::string& text) {
-    return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
-}
-
-}  // namespace
 
 ReportHeatTable::ReportHeatTable(ReportGraphData data, ReportStyle style, const char* title,
                                  std::string rows, std::string columns)
@@ -21,11 +12,7 @@ ReportHeatTable::ReportHeatTable(ReportGraphData data, ReportStyle style, const 
       title_(title),
       rows_(std::move(rows)),
       columns_(std::move(columns)) {
-    std::vector<ReportGraphSeries>& series = data_.series;
-    if (std::all_of(series.begin(), series.end(), [](const auto& s) { return IsNumber(s.name); }))
-        std::stable_sort(series.begin(), series.end(), [](const auto& a, const auto& b) {
-            return atoll(a.name.c_str()) < atoll(b.name.c_str());
-        });
+    data_.SortSeries();
 }
 
 void ReportHeatTable::Render(WebContext&, WebRender* out) {
@@ -34,11 +21,11 @@ void ReportHeatTable::Render(WebContext&, WebRender* out) {
         for (const ReportGraphValue& value : series.values)
             largest = std::max(largest, value.number);
 
-    std::string html =
-        "<div class=\"tableScroll\" tabindex=\"0\" role=\"region\" aria-label=\"Heat table\">"
-        "<table class=\"heatTable\">\n<caption>";
+    std::string html = "<figure class=\"reportChart\"><figcaption class=\"heatTitle\">";
     AppendHtmlText(html, title_);
-    html += "</caption>\n<thead><tr><th scope=\"col\">";
+    html +=
+        "</figcaption>\n<div class=\"heatScroll\" tabindex=\"0\" role=\"region\" "
+        "aria-label=\"Heat table\"><table class=\"heatTable\">\n<thead><tr><th scope=\"col\">";
     AppendHtmlText(html, rows_ + " / " + columns_);
     html += "</th>";
     for (const ReportGraphSeries& series : data_.series) {
@@ -49,7 +36,7 @@ void ReportHeatTable::Render(WebContext&, WebRender* out) {
     html += "</tr></thead>\n<tbody>\n";
     for (size_t i = 0; i < data_.labels.size(); ++i)
         AppendRow(html, i, largest);
-    html += "</tbody>\n</table></div>\n";
+    html += "</tbody>\n</table></div></figure>\n";
     out->Write(html);
 }
 

@@ -7,8 +7,9 @@
 #include "portal/report/LumoraReportGraphData.h"
 #include "portal/report/ReportCell.h"
 
-// One row a label and one column a series, columns of numbers in their order. Every cell shows its
-// value, so that the shade only repeats what stands there; it is the same on the page and on paper.
+// One row a label and one column a series, columns of numbers, dates or times in their order. Every
+// cell shows its value, so that the shade only repeats what stands there; it is the same on the
+// page and on paper.
 class ReportHeatTable : public LumoraReportGraph {
   public:
     // `style` is that of the values; `rows` and `columns` say what the headings are.

@@ -154,14 +154,40 @@ TEST_CASE("kind, series and labels follow from the columns, the rows and the for
          "line: Answered % | 2026-01-01..2026-01-03 | In: Answered %"},
         {"no graph wanted", With(kDays, "graph:none"), Days(3), "none"},
         {"one row", kDays, Days(1), "none"},
-        {"a column that is not there", With(kDays, "label:calls graph:bar series:missed"), Days(2),
-         "bar_filled: Missed | 3..4 | In: Missed"},
+        {"a column that is not there", With(kDays, "label:nosuch graph:bar series:missed"), Days(2),
+         "bar_filled: Missed | 2026-01-01..2026-01-02 | In: Missed"},
+        {"labels that are numbers", With(kDays, "label:calls"), Days(3), "none"},
+        {"a list", kNames,
+         Rows(9,
+              [](int i) -> std::vector<std::string> {
+                  return {i % 2 ? "a" : "b", "1", "2"};
+              }),
+         "none"},
         {"few names", kNames, Names(8), "pie: Calls | n0..n7 | Calls"},
         {"names", kNames, Names(9), "bar_glass: Calls | n0..n8 | Calls"},
         {"many names: the largest first", kNames, Names(31), "bar_glass: Calls | n30..n11 | Calls"},
         {"a great many names", kNames, Names(25000), "bar_glass: Calls | n24999..n24980 | Calls"},
-        {"a pie of many", With(kNames, "graph:pie"), Names(2500),
-         "pie: Calls | n2499..Others | Calls"},
+        {"a pie of many, of which the largest count", With(kNames, "graph:pie"),
+         Rows(2500,
+              [](int i) -> std::vector<std::string> {
+                  return {"n" + std::to_string(i), std::to_string(i < 7 ? 9000 + i : 1), ""};
+              }),
+         "pie: Calls | n6..Others | Calls"},
+        {"a pie of even slices, too many", With(kNames, "graph:pie"), Names(2500),
+         "bar_glass: Calls | n2499..n2480 | Calls"},
+        {"rows of one name add up", With(kNames, "label:name"),
+         Rows(9,
+              [](int i) -> std::vector<std::string> {
+                  return {i % 2 ? "a" : "b", "1", "2"};
+              }),
+         "pie: Calls | b..a | Calls"},
+        {"times of day", With(kNames, "label:name"),
+         Rows(48,
+              [](int i) -> std::vector<std::string> {
+                  return {(i < 20 ? "0" : "") + std::to_string(i / 2) + ":30" + std::to_string(i),
+                          "1", "2"};
+              }),
+         "line: Calls | 00:300..23:3047 | Calls"},
         {"averages of names", With(kNames, "series:wait"), Names(3),
          "bar_glass: Wait | n0..n2 | Minutes on Calls"},
         {"nothing but zero", kNames,
@@ -173,9 +199,9 @@ TEST_CASE("kind, series and labels follow from the columns, the rows and the for
         {"below zero", kNames,
          Rows(3,
               [](int i) -> std::vector<std::string> {
-                  return {"n", std::to_string(i - 1), ""};
+                  return {std::to_string(i), std::to_string(i - 1), ""};
               }),
-         "bar_filled: Calls | n..n | Calls"},
+         "bar_filled: Calls | 0..2 | Calls"},
         {"a series a key", With(keyed, "", "team"), hours,
          "bar_stack: Sales Support | 8..10 | Calls"},
         {"heat", With(keyed, "graph:heat"), hours, "heat"},
@@ -188,8 +214,8 @@ TEST_CASE("kind, series and labels follow from the columns, the rows and the for
          "none"},
     };
     for (const auto& c : cases) {
-        CAPTURE(c.what);
-        CHECK(Graph(c.definition, c.rows) == c.graph);
+        CAPTURE(std::string(c.what));
+        CHECK(Graph(c.definition, c.rows) == std::string(c.graph));
     }
 }
 
