@@ -121,11 +121,14 @@ test("a customer's manager sees that customer's people and nobody else's", async
     const foreign = namesOf(1).filter((name) => !own.has(name));
     assert.ok(own.size > 20 && foreign.length > 100);
     const there = { user: 'manager2', host: 'two.localhost' };
-    for (const { name, columns } of catalogue) {
+    for (const { name, arguments: needed } of catalogue) {
+        const page = await runReport(name, { ...needed, reportPeriod: '90days' }, there);
+        for (const theirs of foreign) assert.ok(!textOf(mainOf(page.html)).includes(theirs), `${name}: ${theirs}`);
+    }
+    for (const name of ['callsbyuser', 'callsbydept', 'callsbyday', 'unanswered']) {
         const page = await runReport(name, { reportPeriod: '90days' }, there);
         assert.ok(page.rows.length > 0, name);
-        if (columns[0].style === 'text') for (const [who] of page.rows) assert.ok(own.has(who), `${name}: ${who}`);
-        for (const theirs of foreign) assert.ok(!textOf(mainOf(page.html)).includes(theirs), `${name}: ${theirs}`);
+        if (name !== 'callsbyday') for (const [who] of page.rows) assert.ok(own.has(who), `${name}: ${who}`);
         for (const argument of [
             { userfilter: foreign[0] },
             { department: 'Marketing' },
