@@ -98,7 +98,7 @@ class PngChart {
     void PlotLegends();
     void PlotXLabels();
     int LabelStride() const;
-    void PlotXLabel(const Label& label, double middle);
+    void PlotXLabel(const Label& label, double middle, int room);
 
     // PngChartAxis.cpp: the value axis.
     void ReadSeries();

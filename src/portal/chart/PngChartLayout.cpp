@@ -14,6 +14,8 @@ constexpr double kHalfRoot = 0.7071067811865476;  // sine and cosine of 45 degre
 constexpr double kPi = 3.14159265358979323846;
 constexpr size_t kLongestLabel = 60;  // bytes of a label: what is longer would need too high a band
 constexpr int kMostLabels = 200;
+constexpr double kReadableSlot = 50;  // pixels
+constexpr double kOverhang = 0.95;
 constexpr unsigned kTextColour = 0x303030;
 constexpr unsigned kTickColour = 0x909090;
 
@@ -147,6 +149,10 @@ void PngChart::PlotLegends() {
 
 // Every how many points there is a label, so that none runs into the next.
 int PngChart::LabelStride() const {
+    const double slot = static_cast<double>(plotWidth_) / static_cast<double>(slots_);
+    const int most = static_cast<int>((labels_.size() + kMostLabels - 1) / kMostLabels);
+    // Where there is room for the beginning of each name, shortening tells more than leaving out.
+    if (rotation_ == Rotation::kHorizontal && slot >= kReadableSlot) return most;
     double needed = 1;
     for (const Label& label : labels_) {
         const int across = rotation_ == Rotation::kHorizontal ? label.width + label.size
@@ -154,10 +160,8 @@ int PngChart::LabelStride() const {
                                                               : label.size * 2;
         needed = std::max<double>(needed, across);
     }
-    const double slot = static_cast<double>(plotWidth_) / static_cast<double>(slots_);
-    const int most = static_cast<int>((labels_.size() + kMostLabels - 1) / kMostLabels);
-    // A label may be a little wider than its room when its neighbours are narrow: a tenth.
-    return std::max(most, static_cast<int>(std::ceil(needed / slot * 0.95)));
+    // A label may be a little wider than its room when its neighbours are narrow.
+    return std::max(most, static_cast<int>(std::ceil(needed / slot * kOverhang)));
 }
 
 void PngChart::PlotXLabels() {
@@ -166,12 +170,14 @@ void PngChart::PlotXLabels() {
     for (size_t i = 0; i < labels_.size(); i += stride) {
         const double middle = Slot(static_cast<double>(i) + 0.5);
         const int x = static_cast<int>(middle);
-        if (height_x_ticks > 0) Line(x, y_origin - height_x_ticks, x, y_origin - 1, kTickColour);
-        PlotXLabel(labels_[i], middle);
+        if (height_x_ticks > 1)
+            Line(x, y_origin - height_x_ticks + 1, x, y_origin - 1, kTickColour);
+        PlotXLabel(labels_[i], middle, static_cast<int>(plotWidth_ * stride / slots_));
     }
 }
 
-void PngChart::PlotXLabel(const Label& label, double middle) {
+// `room` is what there is to the next label.
+void PngChart::PlotXLabel(const Label& label, double middle, int room) {
     const int x = static_cast<int>(middle), below = y_origin - height_x_ticks;
     if (rotation_ == Rotation::kVertical) {
         Write(kLuxiPath, label.size, x + label.size / 2, below - label.width - 1, kPi / 2,
@@ -180,10 +186,11 @@ void PngChart::PlotXLabel(const Label& label, double middle) {
     }
     ChartFont& font = ChartFont::Open(kVeraPath);
     if (rotation_ == Rotation::kHorizontal) {
-        const UString text = font.Shorten(label.text.c_str(), label.size, width - 2);
+        const UString text = font.Shorten(label.text.c_str(), label.size,
+                                          std::min(std::max(room, label.size), width - 2));
         const int needed = font.Width(text.c_str(), label.size);
         const int left = std::clamp(x - needed / 2, 1, std::max(width - needed, 1));
-        Write(kVeraPath, label.size, left, below - label.size, 0, text.c_str(), kTextColour);
+        Write(kVeraPath, label.size, left, below - label.size - 1, 0, text.c_str(), kTextColour);
         return;
     }
     // The end of the text stands under the point, its beginning not beyond the picture's edge.
