@@ -249,7 +249,7 @@
     }
 
     function configurationOf(chart, theme, open) {
-        const isStill = matchMedia("(prefers-reduced-motion: reduce)").matches;
+        const isStill = theme === kPaper || matchMedia("(prefers-reduced-motion: reduce)").matches;
         const isLine = chart.kind === "line";
         const labels = { color: theme.text, usePointStyle: isLine, boxWidth: 14, boxHeight: isLine ? 7 : 14 };
         if (chart.kind === "pie") labels.generateLabels = (instance) => sliceKeys(chart, instance);
@@ -418,12 +418,9 @@
         // Paper is white and has a width of its own.
         window.addEventListener("beforeprint", () => {
             redraw(kPaper);
-            instance.resize(680, 300);
+            instance.resize(680, 360);
         });
-        window.addEventListener("afterprint", () => {
-            instance.resize();
-            redraw(themeOfPage());
-        });
+        window.addEventListener("afterprint", () => redraw(themeOfPage()));
     }
 
     async function load(figure) {
