@@ -57,7 +57,7 @@ test('a manager signs in, runs calls by user for last month and reads the right 
             await page.getByLabel('Report Period').selectOption({ label: 'Last Month' });
             await generate(page);
             await assertLastMonth(page, day);
-            assert.equal(await page.locator('table.reportTable').isVisible(), true);
+            assert.equal(await page.getByRole('region', { name: 'Result' }).isVisible(), true);
             assert.equal(await page.title(), `${kResult} - Lumora`);
         }),
     ));
