@@ -156,6 +156,9 @@ const kPages = {
         }),
     result: (page) =>
         open(page, { ...kSubmit, report: 'callsbydept', reportPeriod: '90days', var: 'x'.repeat(60) }),
+    'call list': (page) =>
+        open(page, { pagename: 'calllogdrill', parent: 'callsbyday', field: 'calls', by: 'hour', value: '11',
+            outcome: 'abandoned', reportPeriod: '90days' }),
     'empty result': (page) => open(page, { ...kSubmit, startDate: '2001-01-01' }),
     'unknown report': (page) => open(page, { pagename: 'callreport', report: 'nosuch' }),
     'unknown page': (page) => open(page, { pagename: 'nosuch' }),

@@ -105,23 +105,23 @@ void AddToggle(const SQLSession& db, const UString& listUrl, WebItem& row) {
     else
         url.Format("%s&addmyreport=%s", listUrl.c_str(), page.c_str());
 
-    WebItem& link =
-        row.Adopt(new WebCell("class=\"favourite\" width=\"16\""))
-            .Adopt(new WebLink(
-                Link(url.c_str(), favourite ? " class=\"chosen\"" : " class=\"offered\"").c_str()));
-    const UString name = HtmlAttr(db.Column(kName));
+    // The link has the report's name for those who hear it.
+    UString attributes;
+    attributes.Format(favourite ? " class=\"chosen\" aria-label=\"Remove %s from My Reports\""
+                                : " class=\"offered\" aria-label=\"Add %s to My Reports\"",
+                      HtmlAttr(db.Column(kName)).c_str());
+    WebItem& link = row.Adopt(new WebCell("class=\"favourite\" width=\"16\""))
+                        .Adopt(new WebLink(Link(url.c_str(), attributes.c_str()).c_str()));
     if (favourite)
         link.Add(
-            new WebValue("<img class=\"now\" src=\"Images/theme6/addfav6.png\" title=\"Remove "
-                         "report from My Reports\" alt=\"Remove %s from My Reports\">"
-                         "<img class=\"then\" src=\"Images/theme6/delfav.png\" title=\"Remove "
-                         "report from My Reports\" alt=\"\">",
-                         name.c_str()));
+            new WebValue("<img class=\"now\" src=\"Images/theme6/addfav6.png\" alt=\"\" "
+                         "title=\"Remove report from My Reports\">"
+                         "<img class=\"then\" src=\"Images/theme6/delfav.png\" alt=\"\" "
+                         "title=\"Remove report from My Reports\">"));
     else
         link.Add(
-            new WebValue("<img src=\"Images/theme6/addfav.png\" title=\"Add report to My "
-                         "Reports\" alt=\"Add %s to My Reports\">",
-                         name.c_str()));
+            new WebValue("<img src=\"Images/theme6/addfav.png\" alt=\"\" "
+                         "title=\"Add report to My Reports\">"));
 }
 
 void AddReport(const SQLSession& db, const UString& listUrl, const UString& pageUrl,

@@ -8,6 +8,7 @@
 #include "common/Parse.h"
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportQuery.h"
+#include "portal/report/ReportCell.h"
 #include "portal/report/ReportDefinition.h"
 
 namespace {
@@ -101,7 +102,7 @@ UString EstimateText(uint64_t rows) {
     const double count = static_cast<double>(rows);
     const auto seconds = static_cast<int64_t>(std::ceil(count / kRowsASecond));
     std::string text = "about ";
-    text += count < kMillion ? std::to_string(rows) : Rounded(count / kMillion) + " million";
+    text += count < kMillion ? GroupedNumber(rows) : Rounded(count / kMillion) + " million";
     text += rows == 1 ? " row, about " : " rows, about ";
     text += seconds < 2 * kMinute ? Counted(seconds, "second")
                                   : Counted((seconds + kMinute / 2) / kMinute, "minute");

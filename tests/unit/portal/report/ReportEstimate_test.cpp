@@ -40,7 +40,7 @@ TEST_CASE("an estimate is told in words") {
         const char* text;
     } cases[] = {
         {1, "about 1 row, about 1 second"},
-        {250000, "about 250000 rows, about 1 second"},
+        {250000, "about 250,000 rows, about 1 second"},
         {5200000, "about 5.2 million rows, about 6 seconds"},
         {12345678, "about 12 million rows, about 13 seconds"},
         {150000000, "about 150 million rows, about 3 minutes"},
