@@ -134,6 +134,12 @@ std::string_view SQLSession::View(int index) const {
     return IsNull(index) ? std::string_view() : std::string_view(row_[index], lengths_[index]);
 }
 
+void SQLSession::ViewRow(std::vector<std::string_view>& row) const {
+    row.resize(ColumnCount());
+    for (size_t i = 0; i < row.size(); ++i)
+        row[i] = row_[i] != nullptr ? std::string_view(row_[i], lengths_[i]) : std::string_view();
+}
+
 int SQLSession::IntColumn(int index) const {
     return static_cast<int>(strtol(Column(index), nullptr, 10));
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "common/SqlText.h"
 #include "common/UStringX.h"
@@ -46,6 +47,8 @@ class SQLSession {
     // The present row. A null column reads as "", 0 and IsNull. Texts live until the next NextRow.
     const char* Column(int index) const;
     std::string_view View(int index) const;
+    // All of them, one a column; a null column's view has no data.
+    void ViewRow(std::vector<std::string_view>& row) const;
     int IntColumn(int index) const;
     bool IsNull(int index) const;
 

@@ -1,6 +1,8 @@
 #include "common/Html.h"
 
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -34,6 +36,27 @@ void AppendEscaped(std::string& out, std::string_view text, const EscapeTable& e
     out.append(text, copied);
 }
 
+constexpr uint64_t kEachByte = 0x0101010101010101;
+
+// Has one of the eight bytes this value?
+bool HasByte(uint64_t bytes, char value) {
+    const uint64_t differences = bytes ^ (kEachByte * static_cast<unsigned char>(value));
+    return ((differences - kEachByte) & ~differences & (kEachByte << 7)) != 0;
+}
+
+// Has the text a character that element content escapes? Looks at eight at a time: most have none.
+bool HasEscapes(std::string_view text) {
+    while (text.size() >= sizeof(uint64_t)) {
+        uint64_t bytes;
+        memcpy(&bytes, text.data(), sizeof bytes);
+        if (HasByte(bytes, '&') || HasByte(bytes, '<') || HasByte(bytes, '>')) return true;
+        text.remove_prefix(sizeof bytes);
+    }
+    for (const char c : text)
+        if (c == '&' || c == '<' || c == '>') return true;
+    return false;
+}
+
 UString Escaped(const char* text, const EscapeTable& escapes) {
     if (text == nullptr) return UString();
     std::string out;
@@ -52,11 +75,7 @@ UString HtmlAttr(const char* text) {
 }
 
 void AppendHtmlText(std::string& out, std::string_view text) {
-    // Without an exit from the loop the compiler looks at many characters at once.
-    bool needsEscapes = false;
-    for (const char c : text)
-        needsEscapes |= c == '&' || c == '<' || c == '>';
-    if (needsEscapes)
+    if (HasEscapes(text))
         AppendEscaped(out, text, kTextEscapes);
     else
         out.append(text);

@@ -11,10 +11,9 @@ ReportRows::ReportRows(PortalContext& ctx, const std::string& query)
 }
 
 void ReportRows::Read(const std::vector<ReportRowReader*>& readers) {
-    std::vector<std::string_view> row(names_.size());
+    std::vector<std::string_view> row;
     for (uint64_t rows = 1; cursor_.NextRow(); ++rows) {
-        for (size_t i = 0; i < row.size(); ++i)
-            row[i] = cursor_.View(static_cast<int>(i));
+        cursor_.ViewRow(row);
         for (ReportRowReader* reader : readers)
             reader->AddRow(row);
         CountBackgroundRows(rows);

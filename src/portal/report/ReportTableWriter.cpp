@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr size_t kBlockSize = 32 << 10;
+constexpr size_t kBlockSize = 128 << 10;
 
 }  // namespace
 
