@@ -317,14 +317,14 @@
         const rows = chart.labels.map((label, at) =>
             make(
                 "tr",
-                { class: at % 2 ? "evenrow" : "oddrow" },
+                {},
                 make("th", { scope: "row" }, label),
                 ...chart.series.map(({ points }) => tableCell(chart, points[at])),
             ),
         );
         return make(
             "table",
-            { class: "reportTable" },
+            { class: "chartFigures" },
             make("caption", { class: "srOnly" }, chart.title),
             make("thead", {}, make("tr", {}, make("th", { scope: "col" }, chart.xTitle || "Label"), ...names)),
             make("tbody", {}, ...rows),
