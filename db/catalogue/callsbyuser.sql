@@ -11,29 +11,32 @@
 -- Each half names and counts one party only, and that party carries [entity]: the caller in the
 -- first, the one who answered, or was rung in vain, in the second. The other party is never shown.
 SELECT name AS user, MAX(number) AS number,
-    SUM(answered) AS answered, SUM(missed) AS missed, SUM(transferred) AS transferred,
-    SUM(outbound) AS outbound, SUM(internal) AS internal,
-    SUM(answered) + SUM(missed) + SUM(outbound) + SUM(internal) AS calls,
+    SUM(IF(outcome = 'answered', legs, 0)) AS answered,
+    SUM(IF(outcome = 'missed', legs, 0)) AS missed,
+    SUM(IF(outcome = 'transferred', legs, 0)) AS transferred,
+    SUM(IF(outcome = 'outbound', legs, 0)) AS outbound,
+    SUM(IF(outcome = 'internal', legs, 0)) AS internal,
+    SUM(IF(outcome IN ('answered', 'missed', 'outbound', 'internal'), legs, 0)) AS calls,
     SUM(talks) AS talks, SUM(talk) AS talk,
     ROUND(SUM(talk) / NULLIF(SUM(talks), 0)) AS avgtalk,
     SUM(cost) AS cost
 FROM (
-    SELECT SQL_BIG_RESULT customerid, A_Name AS name, MAX(A_ShortNum) AS number,
-        0 AS answered, 0 AS missed, 0 AS transferred,
-        SUM(transfercall <> 2 AND B_Trunk <> '') AS outbound,
-        SUM(transfercall <> 2 AND B_Trunk = '') AS internal,
-        SUM(hasconnected) AS talks, SUM(callconnected) AS talk, SUM(totalcost) AS cost
+    SELECT customerid, A_Name AS name, A_ShortNum AS number,
+        CASE WHEN transfercall = 2 THEN 'goes on' WHEN B_Trunk <> '' THEN 'outbound'
+            ELSE 'internal' END AS outcome,
+        COUNT(*) AS legs, COUNT(NULLIF(hasconnected, 0)) AS talks, SUM(callconnected) AS talk,
+        SUM(totalcost) AS cost
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
         AND B_Remote <> '!CollectVoicemail' AND A_Trunk = '' AND A_Name [entity]
-    GROUP BY customerid, A_Name
+    GROUP BY customerid, name, number, outcome
     UNION ALL
-    SELECT SQL_BIG_RESULT customerid, IF(hasconnected, B_RemoteName, B_Name) AS name,
-        MAX(IF(hasconnected, B_Remote, B_ShortNum)) AS number,
-        SUM(transfercall <> 2 AND hasconnected) AS answered, SUM(NOT hasconnected) AS missed,
-        SUM(transfercall = 2 AND hasconnected) AS transferred, 0 AS outbound, 0 AS internal,
-        SUM(hasconnected) AS talks, SUM(callconnected) AS talk, 0 AS cost
+    SELECT customerid, IF(hasconnected, B_RemoteName, B_Name) AS name,
+        IF(hasconnected, B_Remote, B_ShortNum) AS number,
+        CASE WHEN NOT hasconnected THEN 'missed' WHEN transfercall = 2 THEN 'transferred'
+            ELSE 'answered' END AS outcome,
+        COUNT(*), COUNT(NULLIF(hasconnected, 0)), SUM(callconnected), 0
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
@@ -41,7 +44,7 @@ FROM (
         AND ((hasconnected AND B_RemoteName [entity])
             OR (NOT hasconnected AND transfercall <> 2
                 AND NOT (transfercall = 1 AND callduration < 2) AND B_Name [entity]))
-    GROUP BY customerid, name
-) AS party
+    GROUP BY customerid, name, number, outcome
+) AS part
 GROUP BY customerid, name
 ORDER BY name, customerid

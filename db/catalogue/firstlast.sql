@@ -19,7 +19,7 @@ SELECT user, day,
     SUM(talk) AS talk,
     ROUND(100 * SUM(talk) / NULLIF(MAX(finish) - MIN(first), 0), 1) AS talkpct
 FROM (
-    SELECT SQL_BIG_RESULT customerid, A_Name AS user, DATE(gmtdatetime) AS day,
+    SELECT customerid, A_Name AS user, DATE(gmtdatetime) AS day,
         MIN(UNIX_TIMESTAMP(gmtdatetime)) AS first, MAX(UNIX_TIMESTAMP(gmtdatetime)) AS last,
         MAX(UNIX_TIMESTAMP(gmtdatetime) + callduration) AS finish,
         COUNT(*) AS calls, SUM(callconnected) AS talk
@@ -29,7 +29,7 @@ FROM (
         AND B_Remote <> '!CollectVoicemail' AND A_Trunk = '' AND A_Name [entity]
     GROUP BY customerid, A_Name, day
     UNION ALL
-    SELECT SQL_BIG_RESULT customerid, B_RemoteName, DATE(gmtdatetime) AS day,
+    SELECT customerid, B_RemoteName, DATE(gmtdatetime) AS day,
         MIN(UNIX_TIMESTAMP(gmtdatetime)), MAX(UNIX_TIMESTAMP(gmtdatetime)),
         MAX(UNIX_TIMESTAMP(gmtdatetime) + callduration),
         COUNT(*), SUM(callconnected)

@@ -9,30 +9,32 @@
 -- help: Rang before hanging up is the time from the first ring until the caller gave up, without calls that went to voicemail.
 --
 -- Only the party dialled is named and counted, and B_Name carries [entity].
-SELECT SQL_BIG_RESULT user, MAX(number) AS number,
-    COUNT(*) AS offered,
-    SUM(answered) AS answered,
-    SUM(NOT answered) AS missed,
-    ROUND(100 * SUM(NOT answered) / COUNT(*), 1) AS missedpct,
-    SUM(NOT answered AND voicemail) AS voicemail,
-    SUM(NOT answered AND NOT voicemail) AS hungup,
-    SUM(NOT answered AND outside) AS missedoutside,
-    SUM(NOT answered AND NOT outside) AS missedinside,
-    SUM(IF(answered OR voicemail, 0, rang)) AS rings,
-    ROUND(SUM(IF(answered OR voicemail, 0, rang)) / NULLIF(SUM(NOT answered AND NOT voicemail), 0))
+SELECT user, MAX(number) AS number,
+    SUM(legs) AS offered,
+    SUM(IF(result = 'answered', legs, 0)) AS answered,
+    SUM(IF(result = 'answered', 0, legs)) AS missed,
+    ROUND(100 * SUM(IF(result = 'answered', 0, legs)) / SUM(legs), 1) AS missedpct,
+    SUM(IF(result = 'voicemail', legs, 0)) AS voicemail,
+    SUM(IF(result = 'hungup', legs, 0)) AS hungup,
+    SUM(IF(result <> 'answered' AND outside, legs, 0)) AS missedoutside,
+    SUM(IF(result <> 'answered' AND NOT outside, legs, 0)) AS missedinside,
+    SUM(IF(result = 'hungup', rang, 0)) AS rings,
+    ROUND(SUM(IF(result = 'hungup', rang, 0)) / NULLIF(SUM(IF(result = 'hungup', legs, 0)), 0))
         AS avgring,
-    MAX(IF(answered OR voicemail, NULL, rang)) AS longestring
+    MAX(IF(result = 'hungup', longest, NULL)) AS longestring
 FROM (
-    SELECT customerid, B_Name AS user, B_ShortNum AS number, hasconnected AS answered,
-        B_Remote LIKE '!LeaveVoicemail%' AS voicemail, A_Trunk <> '' AS outside,
-        callduration AS rang
+    SELECT customerid, B_Name AS user, B_ShortNum AS number, A_Trunk <> '' AS outside,
+        CASE WHEN hasconnected THEN 'answered' WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
+            ELSE 'hungup' END AS result,
+        COUNT(*) AS legs, SUM(callduration) AS rang, MAX(callduration) AS longest
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND B_Remote <> '!CollectVoicemail' AND B_Trunk = ''
         AND NOT (transfercall = 1 AND hasconnected = 0 AND callduration < 2)
         AND B_Name [entity]
-) AS leg
+    GROUP BY customerid, user, number, outside, result
+) AS part
 GROUP BY customerid, user
 HAVING missed > 0
 ORDER BY missed DESC, user, customerid

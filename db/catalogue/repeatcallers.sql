@@ -11,7 +11,9 @@
 --
 -- A call counts when a permitted party took part: [entity] stands on the caller inside, the party
 -- dialled, the one who answered and the department booked. Only the outside party is shown.
-SELECT SQL_BIG_RESULT number, MAX(name) AS name,
+-- There are nearly as many numbers as calls: the first pass only counts them, by a short key, and the
+-- second works out the rest for those that repeat.
+SELECT number, MAX(name) AS name,
     SUM(inbound) AS inbound,
     SUM(inbound AND answered) AS answered,
     SUM(inbound AND voicemail) AS voicemail,
@@ -24,10 +26,20 @@ SELECT SQL_BIG_RESULT number, MAX(name) AS name,
     FROM_UNIXTIME(MAX(IF(inbound AND answered, at, NULL))) AS lastanswered,
     SUM(inbound) AS n_calls
 FROM (
-    SELECT IF(A_Trunk <> '' AND A_Out = 0, A_Num, B_Num) AS number,
+    SELECT CAST(A_Num AS CHAR(64) CHARACTER SET ascii) AS caller, COUNT(*) AS calls
+    FROM CallLog
+    WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
+        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1) AND origCostCentre <> ''
+        AND A_Trunk <> '' AND A_Out = 0 AND A_Num <> ''
+        AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
+            OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
+    GROUP BY caller
+    HAVING calls >= 3
+) AS repeated INNER JOIN (
+    SELECT CAST(IF(A_Trunk <> '' AND A_Out = 0, A_Num, B_Num) AS CHAR(64) CHARACTER SET ascii)
+            AS number,
         IF(A_Trunk <> '' AND A_Out = 0, A_Name, B_Name) AS name,
-        A_Trunk <> '' AND A_Out = 0 AS inbound,
-        UNIX_TIMESTAMP(gmtdatetime) AS at,
+        A_Trunk <> '' AND A_Out = 0 AS inbound, UNIX_TIMESTAMP(gmtdatetime) AS at,
         hasconnected AS answered,
         hasconnected = 0 AND B_Remote LIKE '!LeaveVoicemail%' AS voicemail,
         hasconnected = 0 AND transfercall = 1 AND callduration < 2
@@ -35,10 +47,9 @@ FROM (
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1) AND origCostCentre <> ''
-        AND ((A_Trunk <> '' AND A_Out = 0 AND A_Num <> '') OR (B_Trunk <> '' AND B_Out = 1))
+        AND ((A_Trunk <> '' AND A_Out = 0) OR (B_Trunk <> '' AND B_Out = 1))
         AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
             OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
-) AS leg
+) AS leg ON number = caller
 GROUP BY number
-HAVING inbound >= 3
 ORDER BY inbound DESC, number

@@ -8,26 +8,32 @@
 -- help: Within 20 s % is the calls answered after 20 seconds or less / answered calls x 100. The average is total ring time / answered calls.
 --
 -- Only the one who answered is named and counted, and B_RemoteName carries [entity].
-SELECT SQL_BIG_RESULT user, MAX(number) AS number,
-    COUNT(*) AS answered,
-    SUM(ringing <= 5) AS upto5,
-    SUM(ringing BETWEEN 6 AND 10) AS upto10,
-    SUM(ringing BETWEEN 11 AND 20) AS upto20,
-    SUM(ringing BETWEEN 21 AND 30) AS upto30,
-    SUM(ringing > 30) AS over30,
-    SUM(ringing <= 20) AS within20,
-    ROUND(100 * SUM(ringing <= 20) / COUNT(*), 1) AS within20pct,
-    SUM(ringing) AS rings,
-    ROUND(SUM(ringing) / COUNT(*)) AS avgring,
-    MAX(ringing) AS longestring
+SELECT user, MAX(number) AS number,
+    SUM(legs) AS answered,
+    SUM(IF(band = 5, legs, 0)) AS upto5,
+    SUM(IF(band = 10, legs, 0)) AS upto10,
+    SUM(IF(band = 20, legs, 0)) AS upto20,
+    SUM(IF(band = 30, legs, 0)) AS upto30,
+    SUM(IF(band > 30, legs, 0)) AS over30,
+    SUM(IF(band <= 20, legs, 0)) AS within20,
+    ROUND(100 * SUM(IF(band <= 20, legs, 0)) / SUM(legs), 1) AS within20pct,
+    SUM(rings) AS rings,
+    ROUND(SUM(rings) / SUM(legs)) AS avgring,
+    MAX(longest) AS longestring
 FROM (
     SELECT customerid, B_RemoteName AS user, B_Remote AS number,
-        callduration - callconnected AS ringing
+        CASE WHEN callduration - callconnected <= 5 THEN 5
+            WHEN callduration - callconnected <= 10 THEN 10
+            WHEN callduration - callconnected <= 20 THEN 20
+            WHEN callduration - callconnected <= 30 THEN 30 ELSE 31 END AS band,
+        COUNT(*) AS legs, SUM(callduration - callconnected) AS rings,
+        MAX(callduration - callconnected) AS longest
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
         AND B_Remote <> '!CollectVoicemail' AND B_Trunk = '' AND hasconnected
         AND B_Name = B_RemoteName AND B_RemoteName [entity]
-) AS leg
+    GROUP BY customerid, user, number, band
+) AS part
 GROUP BY customerid, user
 ORDER BY user, customerid

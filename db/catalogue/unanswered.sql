@@ -11,28 +11,31 @@
 --
 -- Only the party dialled is named and counted, and B_Name carries [entity]. The outside caller is
 -- neither shown nor counted apart, and nobody answered, so the figures hide nobody.
-SELECT SQL_BIG_RESULT destination, MAX(number) AS number,
-    COUNT(*) AS offered,
-    SUM(answered) AS answered,
-    SUM(NOT answered AND voicemail) AS voicemail,
-    SUM(NOT answered AND NOT voicemail) AS abandoned,
-    SUM(NOT answered) AS unanswered,
-    ROUND(100 * SUM(NOT answered) / COUNT(*), 1) AS unansweredpct,
-    SUM(IF(answered OR voicemail, 0, waited)) AS wait,
-    ROUND(SUM(IF(answered OR voicemail, 0, waited)) / NULLIF(SUM(NOT answered AND NOT voicemail), 0))
-        AS avgwait,
-    MAX(IF(answered OR voicemail, NULL, waited)) AS longestwait,
-    COUNT(*) AS n_calls
+SELECT destination, MAX(number) AS number,
+    SUM(legs) AS offered,
+    SUM(IF(result = 'answered', legs, 0)) AS answered,
+    SUM(IF(result = 'voicemail', legs, 0)) AS voicemail,
+    SUM(IF(result = 'abandoned', legs, 0)) AS abandoned,
+    SUM(IF(result = 'answered', 0, legs)) AS unanswered,
+    ROUND(100 * SUM(IF(result = 'answered', 0, legs)) / SUM(legs), 1) AS unansweredpct,
+    SUM(IF(result = 'abandoned', waited, 0)) AS wait,
+    ROUND(SUM(IF(result = 'abandoned', waited, 0))
+        / NULLIF(SUM(IF(result = 'abandoned', legs, 0)), 0)) AS avgwait,
+    MAX(IF(result = 'abandoned', longest, NULL)) AS longestwait,
+    SUM(legs) AS n_calls
 FROM (
-    SELECT customerid, B_Name AS destination, B_ShortNum AS number, hasconnected AS answered,
-        B_Remote LIKE '!LeaveVoicemail%' AS voicemail, callduration AS waited
+    SELECT customerid, B_Name AS destination, B_ShortNum AS number,
+        CASE WHEN hasconnected THEN 'answered' WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
+            ELSE 'abandoned' END AS result,
+        COUNT(*) AS legs, SUM(callduration) AS waited, MAX(callduration) AS longest
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> ''
         AND NOT (transfercall = 1 AND hasconnected = 0 AND callduration < 2)
         AND B_Name [entity]
-) AS leg
+    GROUP BY customerid, destination, number, result
+) AS part
 GROUP BY customerid, destination
 HAVING unanswered > 0
 ORDER BY unanswered DESC, destination, customerid

@@ -5,7 +5,7 @@ SELECT cn AS department, hour, TIME_FORMAT(MAKETIME(hour, 0, 0), '%H:%i') AS beg
     COUNT(IF(kind = 'inbound' AND outcome = 'voicemail', 1, NULL)) AS voicemail,
     COUNT(IF(kind = 'inbound' AND outcome = 'passedon', 1, NULL)) AS passedon,
     COUNT(IF(kind = 'inbound' AND outcome = 'abandoned', 1, NULL)) AS abandoned,
-    ROUND(100 * AVG(IF(kind = 'inbound', outcome = 'answered', NULL)), 1) AS answeredpct,
+    ROUND(AVG(100.0000 * (IF(kind = 'inbound', outcome = 'answered', NULL))), 1) AS answeredpct,
     IFNULL(SUM(IF(kind = 'inbound' AND outcome = 'answered', ringing, NULL)), 0) AS wait,
     ROUND(AVG(IF(kind = 'inbound' AND outcome = 'answered', ringing, NULL))) AS avgwait,
     COUNT(IF(kind = 'outbound', 1, NULL)) AS outbound,

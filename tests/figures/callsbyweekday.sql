@@ -4,7 +4,7 @@ SELECT DATE_FORMAT(gmtdatetime, '%W') AS weekday, DATE_FORMAT(gmtdatetime, '%H:0
     COUNT(IF(kind = 'inbound', 1, NULL)) AS inbound,
     COUNT(IF(kind = 'inbound' AND outcome = 'answered', 1, NULL)) AS answered,
     COUNT(IF(kind = 'inbound' AND outcome = 'abandoned', 1, NULL)) AS abandoned,
-    ROUND(100 * AVG(IF(kind = 'inbound', outcome = 'answered', NULL)), 1) AS answeredpct,
+    ROUND(AVG(100.0000 * (IF(kind = 'inbound', outcome = 'answered', NULL))), 1) AS answeredpct,
     COUNT(IF(kind = 'outbound', 1, NULL)) AS outbound,
     COUNT(IF(kind = 'internal', 1, NULL)) AS internal,
     COUNT(DISTINCT DATE(gmtdatetime)) AS weeks,

@@ -1,5 +1,5 @@
 -- At a moment so many legs are in progress as have begun by then and not yet ended. They can be most where
--- a leg begins, or in the first second of an hour in which one begins or ends.
+-- a leg begins, or in the first second of an hour.
 CREATE TEMPORARY TABLE InHour (hour INT NOT NULL, KEY (hour)) AS
 SELECT UNIX_TIMESTAMP(gmtdatetime) AS start, UNIX_TIMESTAMP(gmtdatetime) + callduration AS finish,
     UNIX_TIMESTAMP(gmtdatetime) DIV 3600 + seq AS hour
@@ -12,10 +12,9 @@ SELECT at, at DIV 3600 AS hour
 FROM (
     SELECT start AS at FROM InHour
     UNION
-    SELECT start - MINUTE(FROM_UNIXTIME(start)) * 60 - SECOND(FROM_UNIXTIME(start)) FROM InHour
-    UNION
-    SELECT finish - MINUTE(FROM_UNIXTIME(finish)) * 60 - SECOND(FROM_UNIXTIME(finish)) FROM InHour
-    WHERE finish < TIMESTAMPDIFF(SECOND, '1970-01-01', @to)
+    SELECT first + 3600 * seq
+    FROM (SELECT TIMESTAMPDIFF(SECOND, '1970-01-01', @from) AS first) AS period INNER JOIN seq_0_to_20000
+    WHERE first + 3600 * seq < TIMESTAMPDIFF(SECOND, '1970-01-01', @to)
 ) AS moment;
 
 WITH level AS (

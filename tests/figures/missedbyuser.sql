@@ -7,7 +7,7 @@ WITH offer AS (
 SELECT cn AS user, telephoneNumber AS number, COUNT(*) AS offered,
     COUNT(IF(outcome = 'answered', 1, NULL)) AS answered,
     COUNT(IF(outcome <> 'answered', 1, NULL)) AS missed,
-    ROUND(100 * AVG(outcome <> 'answered'), 1) AS missedpct,
+    ROUND(AVG(100.0000 * (outcome <> 'answered')), 1) AS missedpct,
     COUNT(IF(outcome = 'voicemail', 1, NULL)) AS voicemail,
     COUNT(IF(outcome = 'abandoned', 1, NULL)) AS hungup,
     COUNT(IF(outcome <> 'answered' AND A_Trunk <> '', 1, NULL)) AS missedoutside,

@@ -2,7 +2,7 @@
 SELECT DAYNAME(FROM_UNIXTIME(asked)) AS weekday, COUNT(*) AS questions,
     COUNT(IF(response <= @target, 1, NULL)) AS within, COUNT(IF(response > @target, 1, NULL)) AS late,
     COUNT(*) - COUNT(answered) AS unanswered, COUNT(answered) AS answered,
-    ROUND(100 * AVG(answered IS NOT NULL), 1) AS answeredpct,
+    ROUND(AVG(100.0000 * (answered IS NOT NULL)), 1) AS answeredpct,
     ROUND(100 * COUNT(IF(response <= @target, 1, NULL)) / COUNT(*), 1) AS servicelevel,
     SUM(response) AS responses, ROUND(SUM(response) / COUNT(answered)) AS avgresponse, MAX(response) AS longest
 FROM Question

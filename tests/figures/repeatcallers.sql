@@ -4,7 +4,7 @@ WITH caller AS (
         COUNT(IF(outcome = 'voicemail', 1, NULL)) AS voicemail,
         COUNT(IF(outcome = 'passedon', 1, NULL)) AS passedon,
         COUNT(IF(outcome = 'abandoned', 1, NULL)) AS abandoned,
-        ROUND(100 * AVG(outcome = 'answered'), 1) AS answeredpct,
+        ROUND(AVG(100.0000 * (outcome = 'answered')), 1) AS answeredpct,
         MIN(UNIX_TIMESTAMP(gmtdatetime)) AS first, MAX(UNIX_TIMESTAMP(gmtdatetime)) AS last,
         MAX(IF(outcome = 'answered', UNIX_TIMESTAMP(gmtdatetime), NULL)) AS lastanswer
     FROM Leg

@@ -9,7 +9,7 @@ const kFigures = new URL('./', import.meta.url);
 const kCatalogue = new URL('../../db/catalogue/', import.meta.url);
 
 /**
- * Every report of the catalogue: { name, title, columns, offers: { user, department }, keys, keyTitle,
+ * Every report of the catalogue that is run for itself: { name, title, columns, offers: { user, department }, keys, keyTitle,
  * arguments, variables }. Rows that agree in `keys` form a series. `arguments` are criteria that the
  * report cannot do without, `variables` the SQL that says the same to its query here.
  */
@@ -29,9 +29,11 @@ export const catalogue = readdirSync(kCatalogue)
             offers: { user: setting('opt_user') === '1', department: setting('opt_department') === '1', inbox: setting('opt_inbox') === '1' },
             keys: [setting('multikeyfield'), setting('multikeyfield2')].filter(Boolean),
             keyTitle: setting('multititle'),
+            leadsFromAnother: text.includes('[drill]'),
             ...{ arguments: {}, variables: '', ...criteria[name] },
         };
-    });
+    })
+    .filter((report) => !report.leadsFromAnother);
 
 // A line a column: name, style, heading, two unused here, heading of the group, kind of the total and
 // what it is made of.

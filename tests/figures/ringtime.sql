@@ -9,7 +9,7 @@ SELECT cn AS user, telephoneNumber AS number, COUNT(*) AS answered,
     COUNT(IF(band = 1, 1, NULL)) AS upto5, COUNT(IF(band = 2, 1, NULL)) AS upto10,
     COUNT(IF(band = 3, 1, NULL)) AS upto20, COUNT(IF(band = 4, 1, NULL)) AS upto30,
     COUNT(IF(band = 5, 1, NULL)) AS over30, COUNT(IF(band <= 3, 1, NULL)) AS within20,
-    ROUND(100 * AVG(band <= 3), 1) AS within20pct, SUM(ringing) AS rings,
+    ROUND(AVG(100.0000 * (band <= 3)), 1) AS within20pct, SUM(ringing) AS rings,
     ROUND(AVG(ringing)) AS avgring, MAX(ringing) AS longestring
 FROM band
 GROUP BY cn, telephoneNumber

@@ -13,7 +13,7 @@ ranked AS (
         COUNT(IF(starts AND way = 'to', 1, NULL)) AS outbound,
         COUNT(IF(starts, 1, NULL)) AS calls, SUM(callconnected) AS talk, SUM(totalcost) AS cost,
         COUNT(*) AS legs,
-        ROW_NUMBER() OVER (ORDER BY COUNT(IF(starts, 1, NULL)) DESC, SUM(callconnected) DESC, number)
+        ROW_NUMBER() OVER (ORDER BY COUNT(IF(starts, 1, NULL)) DESC, number)
             AS place
     FROM call_
     GROUP BY number

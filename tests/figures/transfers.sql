@@ -16,7 +16,7 @@ SELECT sender, receiver, COUNT(*) AS transfers, COUNT(IF(diverted, 1, NULL)) AS 
     COUNT(IF(outcome = 'answered', 1, NULL)) AS answered,
     COUNT(IF(outcome = 'voicemail', 1, NULL)) AS voicemail,
     COUNT(IF(outcome = 'abandoned', 1, NULL)) AS abandoned,
-    ROUND(100 * AVG(outcome = 'answered'), 1) AS answeredpct,
+    ROUND(AVG(100.0000 * (outcome = 'answered')), 1) AS answeredpct,
     IFNULL(SUM(IF(outcome = 'answered', ringing, NULL)), 0) AS rings,
     ROUND(AVG(IF(outcome = 'answered', ringing, NULL))) AS avgring,
     SUM(callconnected) AS talk,

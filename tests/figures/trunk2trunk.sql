@@ -5,7 +5,7 @@ WITH trunk AS (
 )
 SELECT origin.name AS fromtrunk, way.name AS totrunk,
     COUNT(*) AS legs, COUNT(NULLIF(callconnected, 0)) AS answered,
-    ROUND(100 * AVG(callconnected > 0), 1) AS answeredpct,
+    ROUND(AVG(100.0000 * (callconnected > 0)), 1) AS answeredpct,
     IFNULL(SUM(IF(callconnected > 0, ringing, NULL)), 0) AS wait,
     ROUND(AVG(IF(callconnected > 0, ringing, NULL))) AS avgwait,
     SUM(callconnected) AS talk, SUM(callduration + callduration) AS inuse, SUM(totalcost) AS cost
