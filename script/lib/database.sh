@@ -45,7 +45,7 @@ END
 
 # An eighth of the machine's memory, at least 256 MiB and at most 4 GiB: the server takes it as it needs it.
 buffer_pool_mib() {
-    awk '$1 == "MemTotal:" { m = int($2 / 8192); print m < 256 ? 256 : m > 4096 ? 4096 : m }' /proc/meminfo
+    awk '$1 == "MemTotal:" { m = int($2 / 8192); print (m < 256 ? 256 : m > 4096 ? 4096 : m) }' /proc/meminfo
 }
 
 # Lower-case table names: programs of different systems write the same table in different case. The
@@ -57,7 +57,8 @@ start_database() {
         --skip-networking --skip-name-resolve --local-infile=1 --lower-case-table-names=1
         --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci
         --max-allowed-packet=64M --performance-schema=OFF
-        --innodb-buffer-pool-size="$(buffer_pool_mib)M" --innodb-log-file-size=128M --innodb-flush-log-at-trx-commit=0
+        --innodb-buffer-pool-size="$(buffer_pool_mib)M" --innodb-log-file-size=128M
+        --innodb-flush-log-at-trx-commit=0
     )
     [[ $zone != UTC ]] || options+=(--default-time-zone=+00:00)
 
