@@ -81,6 +81,7 @@ test('a made-up link gives a message or an empty list, and nothing of anybody el
         ['itself as parent', { parent: 'calllogdrill' }],
         ['no parent', { parent: '' }],
         ['unknown dimension', { by: "department' OR '1'='1" }],
+        ['a kind of name that the report does not ask for', { by: 'agent', value: 'Adam Ashworth', outcome: 'legs' }],
         ['unknown outcome', { outcome: 'TRUE' }],
         ['outcome of another dimension', { outcome: 'missed' }],
         ['no day', { by: 'day', value: '2026-02-30' }],
@@ -101,6 +102,9 @@ test('a made-up link gives a message or an empty list, and nothing of anybody el
     const theirs = shown(await list({}, 'restricted'));
     assert.deepEqual([theirs.rows, theirs.warnings], [[], []], "a department that the user may not see");
     assert.ok(shown(await list({ value: 'Support' }, 'restricted')).rows.length > 0);
+    // Everybody's permitted names hold the voicemail service.
+    for (const [by, outcome] of [['agent', 'legs'], ['queue', 'legs'], ['user', 'legs']])
+        assert.deepEqual(shown(await list({ parent: 'callsbyday', by, value: '!Voicemail', outcome }, 'restricted')).rows, []);
     assert.match(await list({}, 'noreports'), /do not have rights/);
     sql(`UPDATE CallReport SET category = 2 WHERE pagename = 'callsbydept'`);
     try {

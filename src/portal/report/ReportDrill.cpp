@@ -30,6 +30,9 @@ struct Dimension {
     const char* permitted;  // null: what the log has for parties that are not told apart
     std::span<const Outcome> outcomes;
     const char* where = nullptr;  // in place of the period and the legs that count
+    // One of these columns must carry [entity] in the report: names of one kind, say of agents,
+    // must not admit to what is permitted by another.
+    const char* asks[2] = {nullptr, nullptr};
 };
 
 // ---- the call log
@@ -133,11 +136,29 @@ constexpr char kLegsOfCall[] =
     "SELECT id FROM chain) AND confId <> ''";
 
 constexpr Dimension kCallDimensions[] = {
-    {"user", Value::kText, "(" LUMORA_USER_CALLED " OR " LUMORA_USER_RUNG ")", "TRUE",
-     kUserOutcomes},
-    {"department", Value::kText, "origCostCentre = {}", "origCostCentre [entity]", kCallOutcomes},
-    {"queue", Value::kText, "B_Name = {}", "B_Name [entity]", kCallOutcomes},
-    {"agent", Value::kText, "B_RemoteName = {}", "B_RemoteName [entity]", kCallOutcomes},
+    {"user",
+     Value::kText,
+     "(" LUMORA_USER_CALLED " OR " LUMORA_USER_RUNG ")",
+     "TRUE",
+     kUserOutcomes,
+     nullptr,
+     {"A_Name", "B_Name"}},
+    {"department",
+     Value::kText,
+     "origCostCentre = {}",
+     "origCostCentre [entity]",
+     kCallOutcomes,
+     nullptr,
+     {"origCostCentre"}},
+    {"queue", Value::kText, "B_Name = {}", "B_Name [entity]", kCallOutcomes, nullptr, {"B_Name"}},
+    // A service that answered is nobody, though the permitted names hold the voicemail service.
+    {"agent",
+     Value::kText,
+     "B_RemoteName = {} AND B_Remote NOT LIKE '!%'",
+     "B_RemoteName [entity]",
+     kCallOutcomes,
+     nullptr,
+     {"B_RemoteName"}},
     // The bounds let the server read this day's rows alone.
     {"day", Value::kDay, "gmtdatetime >= {} AND gmtdatetime < {} + INTERVAL 1 DAY", nullptr,
      kCallOutcomes},
@@ -268,20 +289,6 @@ std::string ReplaceAll(std::string_view text, std::string_view mark, std::string
     }
 }
 
-// The dimension that one pair of arguments names and its value; throws when they name none.
-const Dimension& ReadDimension(const PortalContext& ctx, const Source& source, const char* by,
-                               const char* value, std::string& sql) {
-    const char* word = Argument(ctx, by);
-    const Dimension* dimension = FindWord(source.dimensions, word);
-    if (dimension == nullptr)
-        ThrowText("This list cannot be made: \"%s\" is no way to choose calls.", word);
-    const char* text = Argument(ctx, value);
-    sql = ValueSql(dimension->value, text);
-    if (sql.empty())
-        ThrowText("This list cannot be made: \"%s\" is no value for \"%s\".", text, word);
-    return *dimension;
-}
-
 // Does "[entity]" stand behind this column in the report?
 bool IsAsked(std::string_view report, std::string_view column) {
     const std::string text = std::string(column) + " [entity]";
@@ -292,6 +299,28 @@ bool IsAsked(std::string_view report, std::string_view column) {
             return true;
     }
     return false;
+}
+
+bool IsOffered(const Dimension& dimension, std::string_view report) {
+    if (dimension.asks[0] == nullptr) return true;
+    for (const char* column : dimension.asks)
+        if (column != nullptr && IsAsked(report, column)) return true;
+    return false;
+}
+
+// The dimension that one pair of arguments names and its value; throws when they name none.
+const Dimension& ReadDimension(const PortalContext& ctx, const Source& source,
+                               std::string_view report, const char* by, const char* value,
+                               std::string& sql) {
+    const char* word = Argument(ctx, by);
+    const Dimension* dimension = FindWord(source.dimensions, word);
+    if (dimension == nullptr || !IsOffered(*dimension, report))
+        ThrowText("This list cannot be made: \"%s\" is no way to choose calls.", word);
+    const char* text = Argument(ctx, value);
+    sql = ValueSql(dimension->value, text);
+    if (sql.empty())
+        ThrowText("This list cannot be made: \"%s\" is no value for \"%s\".", text, word);
+    return *dimension;
 }
 
 // Who must be permitted: one of the parties that the report itself asks for.
@@ -313,9 +342,9 @@ std::string DrillCondition(const PortalContext& ctx, const Source& source,
                            std::string_view report) {
     std::string value;
     std::string value2;
-    const Dimension* first = &ReadDimension(ctx, source, "by", "value", value);
+    const Dimension* first = &ReadDimension(ctx, source, report, "by", "value", value);
     const Dimension* second = *Argument(ctx, "by2") != '\0'
-                                  ? &ReadDimension(ctx, source, "by2", "value2", value2)
+                                  ? &ReadDimension(ctx, source, report, "by2", "value2", value2)
                                   : nullptr;
     if (second != nullptr && first->permitted == nullptr && second->permitted != nullptr) {
         std::swap(first, second);

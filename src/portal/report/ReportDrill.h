@@ -17,6 +17,8 @@ enum class DrillKind { kCalls, kMessages };
 // "internal", "transferred" or "connected"; of a user "missed" too; of messages "messages",
 // "received", "sent", "questions", "answered" or "unanswered". Anything else throws a text.
 //
+// The first four need a report that asks for that kind of names: one with [entity] on the column.
+//
 //   by           value                     permitted must be
 //   user         the user's name           the user, as caller, or as who answered or was rung
 //   department   origCostCentre            the department
