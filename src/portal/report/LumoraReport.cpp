@@ -17,23 +17,26 @@
 
 namespace {
 
-void AddCriterion(std::vector<ReportCriterion>& criteria, const char* label, const UString& value) {
-    if (value.IsEmpty()) return;
-    // Parts of it come from SQL, with blanks around them.
-    std::string text = value.c_str();
-    text.erase(0, text.find_first_not_of(' '));
-    text.erase(text.find_last_not_of(' ') + 1);
-    criteria.push_back({label, text});
+// Parts of the texts come from SQL, with blanks around them.
+std::string Trimmed(const UString& text) {
+    std::string trimmed = text.c_str();
+    trimmed.erase(0, trimmed.find_first_not_of(' '));
+    trimmed.erase(trimmed.find_last_not_of(' ') + 1);
+    return trimmed;
 }
 
-std::vector<ReportCriterion> CriteriaOf(const UString& name, const LumoraReportQuery& query,
-                                        const UString& filteredOn) {
-    std::vector<ReportCriterion> criteria = {{"Report", name.c_str()}};
-    AddCriterion(criteria, "For", query.GetEntityName());
-    AddCriterion(criteria, "Dates", query.GetDateTitle());
-    AddCriterion(criteria, "Time Filter", query.GetTimeTitle());
-    AddCriterion(criteria, "Filtered on", filteredOn);
-    return criteria;
+void AddHeaderLine(WebItem& header, WebValue* line) {
+    header.Adopt(new WebDiv("class=\"headerLine\"")).Add(line);
+}
+
+// `image` shows the form; both stand in a link of their own window.
+void AddLink(WebItem& exports, const UString& url, const char* image, const char* caption) {
+    UString attributes;
+    attributes.Format("href=\"%s\" target=\"_blank\" rel=\"noopener\"",
+                      HtmlAttr(url.c_str()).c_str());
+    exports.Adopt(new WebLink(attributes.c_str()))
+        .Add(new WebValue("<img src=\"%s\" width=\"16\" height=\"16\" alt=\"\"> %s", image,
+                          caption));
 }
 
 }  // namespace
@@ -55,8 +58,7 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
     }
     const UString& calls = query.GetCallTitle();
     if (!calls.IsEmpty()) filteredOn += (filteredOn.IsEmpty() ? "" : " / ") + calls;
-    criteria_ = CriteriaOf(definition.name, query, filteredOn);
-    AddHeader();
+    AddHeader(definition.name, query, filteredOn);
 
     const std::string statement = view_.Sorted(query.GetQuery(), columns, definition);
     const ReportRun run = {ctx, definition, columns, view_, statement};
@@ -68,21 +70,38 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
     const bool wallboard = !query.GetFilter().wbDrill.IsEmpty();
     const ReportLinks links(ctx, definition, wallboard ? query.GetFilter() : filter, view_);
     const bool onScreen = view_.form == ReportView::kScreen;
-    if (onScreen) AddLinks(links.here());
+    if (onScreen) AddLinks(links.here().c_str());
     Add(new LumoraReportTable(run, onScreen ? &links : nullptr));
 }
 
 LumoraReport::~LumoraReport() = default;
 
-void LumoraReport::AddHeader() {
+void LumoraReport::AddHeader(const UString& name, const LumoraReportQuery& query,
+                             const UString& filteredOn) {
+    criteria_ = {{"Report", name.c_str()},
+                 {"For", Trimmed(query.GetEntityName())},
+                 {"Dates", Trimmed(query.GetDateTitle())},
+                 {"Time Filter", Trimmed(query.GetTimeTitle())},
+                 {"Filtered on", Trimmed(filteredOn)}};
+    std::erase_if(criteria_, [](const ReportCriterion& about) { return about.value.empty(); });
+
     WebItem& header = Adopt(new WebDiv("class=\"reportHeader\""));
     for (const auto& [label, value] : criteria_) {
-        const bool isName = &label == &criteria_.front().label;
-        const char* element = isName || label == "For" ? "h3" : "h4";
-        header.Adopt(new WebDiv("class=\"headerLine\""))
-            .Add(new WebValue("<%s style=\"display:inline\">%s%s%s</%s>", element,
-                              isName ? "" : label.c_str(), isName ? "" : ": ",
-                              HtmlText(value.c_str()).c_str(), element));
+        const UString html = HtmlText(value.c_str());
+        const char* text = html.c_str();
+        if (label == "Report")
+            AddHeaderLine(header, new WebValue("<h3 style=\"display:inline\">%s</h3>", text));
+        else if (label == "For")
+            AddHeaderLine(header, new WebValue("<h3 style=\"display:inline\">For: %s</h3>", text));
+        else if (label == "Dates")
+            AddHeaderLine(header,
+                          new WebValue("<h4 style=\"display:inline\">Dates: %s</h4>", text));
+        else if (label == "Time Filter")
+            AddHeaderLine(header,
+                          new WebValue("<h4 style=\"display:inline\">Time Filter: %s</h4>", text));
+        else
+            AddHeaderLine(header,
+                          new WebValue("<h4 style=\"display:inline\">Filtered on: %s</h4>", text));
     }
 }
 
@@ -99,25 +118,14 @@ std::unique_ptr<FilePage> LumoraReport::TakeFile() {
     return std::move(file_);
 }
 
-// The same result for paper and as files, each in a window of its own.
-void LumoraReport::AddLinks(const std::string& here) {
-    const struct {
-        const char* argument;
-        const char* image;
-        const char* title;
-    } kForms[] = {
-        {"print", "printer.png", "Printable page"},
-        {"csv", "csv.png", "Download as CSV"},
-        {"xlsx", "xlsx.png", "Download as XLSX"},
-    };
+// The same result for paper and as files.
+void LumoraReport::AddLinks(const char* here) {
     WebItem& exports = Adopt(new WebDiv("class=\"reportExports\""));
-    for (const auto& form : kForms) {
-        UString attributes;
-        attributes.Format("href=\"%s&amp;%s=true\" target=\"_blank\" rel=\"noopener\"",
-                          HtmlAttr(here.c_str()).c_str(), form.argument);
-        exports.Adopt(new WebLink(attributes.c_str()))
-            .Add(new WebValue("<img src=\"Images/calllog/%s\" width=\"16\" height=\"16\" alt=\"\"> "
-                              "%s",
-                              form.image, form.title));
-    }
+    UString url;
+    url.Format("%s&print=true", here);
+    AddLink(exports, url, "Images/calllog/printer.png", "Printable page");
+    url.Format("%s&csv=true", here);
+    AddLink(exports, url, "Images/calllog/csv.png", "Download as CSV");
+    url.Format("%s&xlsx=true", here);
+    AddLink(exports, url, "Images/calllog/xlsx.png", "Download as XLSX");
 }

@@ -35,8 +35,8 @@ class LumoraReport : public WebItem {
     std::unique_ptr<FilePage> TakeFile();
 
   private:
-    void AddHeader();
-    void AddLinks(const std::string& here);
+    void AddHeader(const UString& name, const LumoraReportQuery& query, const UString& filteredOn);
+    void AddLinks(const char* here);
     void MakeFile(const ReportRun& run);
 
     ReportView view_;
