@@ -2,11 +2,13 @@
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include FT_MODULE_H
 #include FT_OUTLINE_H
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <string>
@@ -14,6 +16,15 @@
 #include "common/Path.h"
 #include "common/ThrowText.h"
 #include "common/Unicode.h"
+
+// The library's modules, by the names that it gives them in ftmodule.h. Of a driver's description
+// this is the first part.
+extern "C" {
+extern const FT_Module_Class sfnt_module_class;
+extern const FT_Module_Class tt_driver_class;
+extern const FT_Module_Class autofit_module_class;
+extern const FT_Module_Class ft_smooth_renderer_class;
+}
 
 namespace {
 
@@ -23,17 +34,33 @@ constexpr double kPixelsPerPoint = 100.0 / 72;
 constexpr wchar_t kReplacement = 0xFFFD;
 constexpr wchar_t kEllipsis = 0x2026;
 
+void* Allocate(FT_Memory /*memory*/, long size) {
+    return malloc(static_cast<size_t>(size));
+}
+void* Reallocate(FT_Memory /*memory*/, long /*size*/, long newSize, void* block) {
+    return realloc(block, static_cast<size_t>(newSize));
+}
+void Free(FT_Memory /*memory*/, void* block) {
+    free(block);
+}
+
+// Only what reads and draws outlines of TrueType fonts: the library's usual start would link all of
+// its font formats into a program that is started for each page.
 class Library {
   public:
     Library() {
-        if (FT_Init_FreeType(&library_) != 0) ThrowText("The font library does not start.");
+        if (FT_New_Library(&memory_, &library_) != 0) ThrowText("The font library does not start.");
+        for (const FT_Module_Class* module : {&sfnt_module_class, &tt_driver_class,
+                                              &autofit_module_class, &ft_smooth_renderer_class})
+            FT_Add_Module(library_, module);
     }
-    ~Library() { FT_Done_FreeType(library_); }
+    ~Library() { FT_Done_Library(library_); }
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
     FT_Library get() const { return library_; }
 
   private:
+    FT_MemoryRec_ memory_ = {nullptr, Allocate, Free, Reallocate};
     FT_Library library_ = nullptr;
 };
 

@@ -20,7 +20,7 @@ Picture Drawn(const std::function<void(pngwriter&)>& draw) {
     TestRequest request;
     const std::string path = (request.root / "p.png").string();
     pngwriter png(kSide, kSide, 1.0, path.c_str());
-    // As charts write: the text of the file is unchanged by its exponent.
+    // The exponent that readers expect: they hand out the channels as they were written.
     png.setgamma(0.45455);
     draw(png);
     png.close();
