@@ -59,6 +59,10 @@
         }));
     }
 
+    // As many decimals as any value has, two at most, so that amounts of money stand alike.
+    const decimalsOf = (series) =>
+        Math.max(0, ...series.flatMap(({ points }) => points.map(({ value }) => `${value ?? ""}`.split(".")[1]?.length ?? 0)));
+
     function readDescription(description) {
         const elements = listOf(description.elements);
         const type = textOf(elements[0]?.type);
@@ -83,15 +87,17 @@
             labels: isPie
                 ? (series[0]?.points ?? []).map(({ label }) => label)
                 : listOf(axis?.labels).map((label) => textOf(label?.text)),
+            decimals: Math.min(decimalsOf(series), 2),
             series,
         };
     }
 
     // Texts
 
-    function show(chart, value) {
+    function show(chart, value, decimals = chart.decimals) {
         if (value === null || value === undefined) return "-";
-        if (!chart.isTime) return value.toLocaleString("en-GB", { maximumFractionDigits: 4 });
+        if (!chart.isTime)
+            return value.toLocaleString("en-GB", { minimumFractionDigits: decimals, maximumFractionDigits: 2 });
         const two = (number) => String(Math.floor(number)).padStart(2, "0");
         const seconds = Math.abs(value);
         return `${value < 0 ? "-" : ""}${two(seconds / 3600)}:${two((seconds / 60) % 60)}:${two(seconds % 60)}`;
@@ -214,8 +220,9 @@
         const keys = Chart.overrides.pie.plugins.legend.labels.generateLabels(instance);
         const total = sum(chart.series[0].points) || 1;
         for (const key of keys) {
-            const share = ((chart.series[0].points[key.index]?.value ?? 0) / total) * 100;
-            key.text = `${key.text} ${share.toFixed(1)} %`;
+            const value = chart.series[0].points[key.index]?.value ?? 0;
+            const share = (value / total) * 100;
+            key.text = `${key.text}: ${show(chart, value)} (${share.toFixed(1)}%)`;
         }
         return keys;
     }
@@ -242,7 +249,7 @@
                 ticks: {
                     color: theme.muted,
                     stepSize: chart.step || undefined,
-                    callback: (value) => show(chart, value),
+                    callback: (value) => show(chart, value, 0),
                 },
             },
         };

@@ -410,7 +410,7 @@ UString OpenFlashGraph::getRandomFName(const WebContext& ctx) {
 }
 
 void OpenFlashGraph::deleteOldData() {
-    CleanupDir(kFolder, ".json", kChartSeconds);
+    CleanupDir(kFolder, "", kChartSeconds);
 }
 
 void OpenFlashGraph::writeData(WebContext& ctx) {

@@ -59,7 +59,7 @@ class OpenFlashGraph : public WebItem {
     // Writes the file and the element that the script fills.
     void Render(WebContext& ctx, WebRender* out) override;
 
-    // Removes the files of charts that nobody wrote for two hours.
+    // Removes the files of the folder, descriptions and pictures, that nobody wrote for two hours.
     static void deleteOldData();
 
   private:

@@ -195,7 +195,6 @@ void LumoraReportGraphBuilder::AddRow(const std::vector<std::string_view>& row) 
 bool LumoraReportGraphBuilder::Merge(const Point& point) {
     const auto [at, isNew] = byLabel_.try_emplace(point.label, points_.size());
     if (isNew) return false;
-    merged_ = true;
     Point& to = points_[at->second];
     to.height += point.height;
     for (size_t i = 0; i < to.values.size(); ++i)
@@ -204,12 +203,11 @@ bool LumoraReportGraphBuilder::Merge(const Point& point) {
 }
 
 void LumoraReportGraphBuilder::KeepLargest() {
-    if (key_.field >= 0 || merged_ || IsOrdered()) {
+    if (key_.field >= 0 || merges_ || IsOrdered()) {
         tooMany_ = true;
         points_.clear();
         return;
     }
-    merges_ = false;
     std::stable_sort(points_.begin(), points_.end(),
                      [](const Point& a, const Point& b) { return a.height > b.height; });
     points_.resize(kTopNames);
@@ -251,7 +249,9 @@ ReportGraphData LumoraReportGraphBuilder::ByKey() {
         if (key == data.series.size()) data.series.push_back({point.key, {}});
         std::vector<ReportGraphValue>& values = data.series[key].values;
         if (values.size() <= label) values.resize(label + 1);
-        values[label] = std::move(point.values[0]);
+        const bool repeats = AreSums() && !values[label].text.empty();
+        values[label] =
+            repeats ? SumOf(values[label], point.values[0]) : std::move(point.values[0]);
     }
     for (ReportGraphSeries& series : data.series)
         series.values.resize(data.labels.size());
@@ -295,7 +295,7 @@ std::unique_ptr<LumoraReportGraph> LumoraReportGraphBuilder::Build(PortalContext
     }
     Kind kind = Choose(data);
     if (kind == kPie && ShareOfOthers(data) > kMostOthers) kind = kGlass;
-    const uint64_t labels = key_.field >= 0 || merged_ ? data.labels.size() : rows_;
+    const uint64_t labels = key_.field >= 0 || merges_ ? data.labels.size() : rows_;
     if (kind == kPie) {
         AddOthers(data);
     } else if (!isOrdered && labels > kMostNames) {

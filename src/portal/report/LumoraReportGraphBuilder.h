@@ -108,6 +108,5 @@ class LumoraReportGraphBuilder : public ReportRowReader {
     double smallest_ = -std::numeric_limits<double>::infinity();  // height of what is worth keeping
     bool chosenSeries_ = false;                                   // by the format
     bool merges_ = false;  // rows of the same label become one point
-    bool merged_ = false;
     bool tooMany_ = false;
 };

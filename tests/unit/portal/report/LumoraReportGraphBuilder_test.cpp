@@ -204,6 +204,7 @@ TEST_CASE("kind, series and labels follow from the columns, the rows and the for
          "bar_filled: Calls | 0..2 | Calls"},
         {"a series a key", With(keyed, "", "team"), hours,
          "bar_stack: Sales Support | 8..10 | Calls"},
+        {"more labels than can be added up", With(kNames, "label:name"), Names(20001), "none"},
         {"heat", With(keyed, "graph:heat"), hours, "heat"},
         {"no figures",
          {"a text A\nb text B\n", {"a", "b"}},
