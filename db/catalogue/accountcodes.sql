@@ -16,7 +16,7 @@ SELECT account, outbound, answered, users, talk, cost, uplift, vat, cost + uplif
 FROM (
     SELECT *, ROUND((cost + uplift) * [vatrate] / 100, 4) AS vat
     FROM (
-        SELECT SQL_BIG_RESULT customerid, accountCode AS account,
+        SELECT customerid, accountCode AS account,
             SUM(transfercall <> 2) AS outbound, SUM(transfercall <> 2 AND hasconnected) AS answered,
             COUNT(DISTINCT A_Name) AS users,
             COUNT(*) AS legs, SUM(callconnected) AS talk, SUM(totalcost) AS cost,

@@ -24,7 +24,7 @@ FROM (
         SUM(inseconds) AS inseconds, SUM(outseconds) AS outseconds, SUM(cost) AS cost,
         MIN(MIN(firstday)) OVER () AS firstday
     FROM (
-        SELECT SQL_BIG_RESULT customerid, A_Trunk AS dn, SUM(transfercall <> 2) AS inbound,
+        SELECT customerid, A_Trunk AS dn, SUM(transfercall <> 2) AS inbound,
             0 AS outbound, COUNT(*) AS legs, SUM(callduration) AS inseconds, 0 AS outseconds,
             0 AS cost, DATE(MIN(gmtdatetime)) AS firstday
         FROM CallLog
@@ -34,7 +34,7 @@ FROM (
             OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
         GROUP BY customerid, A_Trunk
         UNION ALL
-        SELECT SQL_BIG_RESULT customerid, B_Trunk, 0, SUM(transfercall <> 2), COUNT(*), 0,
+        SELECT customerid, B_Trunk, 0, SUM(transfercall <> 2), COUNT(*), 0,
             SUM(callduration), SUM(totalcost), DATE(MIN(gmtdatetime))
         FROM CallLog
         WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]

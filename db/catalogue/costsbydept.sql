@@ -14,7 +14,7 @@ SELECT department, outbound, diverted, talk, cost, uplift, vat, cost + uplift + 
 FROM (
     SELECT *, ROUND((cost + uplift) * [vatrate] / 100, 4) AS vat
     FROM (
-        SELECT SQL_BIG_RESULT customerid, origCostCentre AS department,
+        SELECT customerid, origCostCentre AS department,
             SUM(transfercall <> 2) AS outbound, SUM(transfercall = 2) AS diverted,
             COUNT(*) AS legs, SUM(callconnected) AS talk, SUM(totalcost) AS cost,
             ROUND(SUM(totalcost) * [markup] / 100, 4) AS uplift

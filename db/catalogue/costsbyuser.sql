@@ -16,7 +16,7 @@ SELECT user, number, outbound, answered, talk, cost, uplift, vat, cost + uplift 
 FROM (
     SELECT *, ROUND((cost + uplift) * [vatrate] / 100, 4) AS vat
     FROM (
-        SELECT SQL_BIG_RESULT customerid, A_Name AS user, MAX(A_ShortNum) AS number,
+        SELECT customerid, A_Name AS user, MAX(A_ShortNum) AS number,
             SUM(transfercall <> 2) AS outbound, SUM(transfercall <> 2 AND hasconnected) AS answered,
             COUNT(*) AS legs, SUM(callconnected) AS talk, SUM(totalcost) AS cost,
             ROUND(SUM(totalcost) * [markup] / 100, 4) AS uplift

@@ -11,7 +11,7 @@
 --
 -- Only the party dialled is named and counted, and B_Name carries [entity]; neither the caller nor
 -- the one who answered is shown.
-SELECT SQL_BIG_RESULT ddi, MAX(destination) AS destination,
+SELECT ddi, MAX(destination) AS destination,
     COUNT(*) AS calls, SUM(answered) AS answered, SUM(NOT answered AND voicemail) AS voicemail,
     SUM(passedon) AS passedon, SUM(NOT answered AND NOT voicemail AND NOT passedon) AS abandoned,
     ROUND(100 * SUM(answered) / COUNT(*), 1) AS answeredpct,
