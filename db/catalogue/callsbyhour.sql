@@ -8,7 +8,7 @@
 -- opt_department: 1
 -- help: Each row adds up one hour of the clock over every day of the period: 09:00 holds the calls that began from 09:00:00 to 09:59:59 in your time zone. Hours without a call are left out.
 -- help: Answered, voicemail, passed on and abandoned are the four ways in which an inbound call can end; together they are its calls. Answered % is answered / calls x 100.
--- help: Average wait is the ring time of the answered calls / answered calls. Talk time and cost also take in the legs that a department received by transfer.
+-- help: Average wait is the ring time of the answered calls / answered calls. Talk time also takes in the legs that a department received by transfer.
 --
 -- A department's rows are made of the calls booked to it and of nothing else, and origCostCentre
 -- carries [entity]. No party of a call is shown, so the figures hide nobody.
@@ -27,7 +27,6 @@ SELECT department, hour, CONCAT(LPAD(hour, 2, '0'), ':00') AS begins,
     SUM(IF(outcome = 'outbound', legs, 0)) AS outbound,
     SUM(IF(outcome = 'internal', legs, 0)) AS internal,
     SUM(talk) AS talk,
-    SUM(cost) AS cost,
     SUM(IF(outcome = 'transfer', 0, legs)) AS n_calls, SUM(legs) AS n_legs,
     SUM(IF(outcome = 'transfer', legs, 0)) AS n_transfers
 FROM (
@@ -42,7 +41,7 @@ FROM (
             WHEN A_Trunk = '' AND B_Trunk = '' THEN 'internal'
             ELSE 'other' END AS outcome,
         COUNT(*) AS legs, SUM(callduration - callconnected) AS rings,
-        SUM(callconnected) AS talk, SUM(totalcost) AS cost
+        SUM(callconnected) AS talk
     FROM CallLog
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)

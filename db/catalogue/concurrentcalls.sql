@@ -13,7 +13,8 @@
 -- Each leg is one step up where it begins and one step down where it ends; the running sum of the
 -- steps in the order of time is what was in progress. Each hour of the period begins with a step of
 -- nothing, which shows what goes on from the hour before. Peak and time are packed into one number,
--- of which the largest is the highest peak at its earliest time.
+-- of which the largest is the highest peak at its earliest time; quarters of an hour keep it few rows
+-- until the clock's hours are known, in every zone.
 -- A leg counts when a permitted party took part: [entity] stands on the caller, the party dialled,
 -- the one who answered and the department booked. No party is shown.
 SELECT CONCAT(LPAD(hour, 2, '0'), ':00') AS begins,
@@ -24,29 +25,33 @@ SELECT CONCAT(LPAD(hour, 2, '0'), ':00') AS begins,
     COUNT(DISTINCT IF(legs > 0, day, NULL)) * 3600 AS observed,
     ROUND(SUM(seconds) / (COUNT(DISTINCT IF(legs > 0, day, NULL)) * 3600), 2) AS traffic
 FROM (
-    SELECT HOUR(FROM_UNIXTIME(at)) AS hour, TO_DAYS(FROM_UNIXTIME(at)) AS day, legs, seconds,
-        SUM(step) OVER (ORDER BY at ROWS UNBOUNDED PRECEDING) * 4294967296 + 4294967296 - at
-            AS packed
+    SELECT HOUR(FROM_UNIXTIME(quarter * 900)) AS hour, TO_DAYS(FROM_UNIXTIME(quarter * 900)) AS day,
+        packed, legs, seconds
     FROM (
-        SELECT at, SUM(step) AS step, SUM(seconds > 0) AS legs, SUM(seconds) AS seconds
+        SELECT at DIV 900 AS quarter, MAX(level * 4294967296 + 4294967296 - at) AS packed,
+            COUNT(NULLIF(seconds, 0)) AS legs, SUM(seconds) AS seconds
         FROM (
-            SELECT UNIX_TIMESTAMP(gmtdatetime) + seq * callduration AS at,
-                IF(seq = 0, 1, -1) AS step, IF(seq = 0, callduration, 0) AS seconds
-            FROM CallLog INNER JOIN seq_0_to_1
-            WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
-                AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
-                AND callduration > 0 AND B_Remote <> '!CollectVoicemail'
-                AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
-                    OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
-            UNION ALL
-            SELECT UNIX_TIMESTAMP(gmtdatetime) + seq * 3600, 0, 0
-            FROM LkupDates INNER JOIN seq_0_to_24
-            WHERE gmtdatetime BETWEEN [startDate] AND [endDate]
-        ) AS event
-        WHERE at <= UNIX_TIMESTAMP([endDate])
-        GROUP BY at
-    ) AS moment
-) AS running
+            SELECT at, seconds, CAST(SUM(step) OVER (ORDER BY at, step ROWS UNBOUNDED PRECEDING)
+                AS SIGNED) AS level
+            FROM (
+                SELECT UNIX_TIMESTAMP(gmtdatetime) + seq * callduration AS at,
+                    IF(seq = 0, 1, -1) AS step, IF(seq = 0, callduration, 0) AS seconds
+                FROM CallLog INNER JOIN seq_0_to_1
+                WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
+                    AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
+                    AND callduration > 0 AND B_Remote <> '!CollectVoicemail'
+                    AND (A_Name [entity] OR B_Name [entity] OR origCostCentre [entity]
+                        OR (B_RemoteName [entity] AND B_Remote NOT LIKE '!%'))
+                UNION ALL
+                SELECT UNIX_TIMESTAMP(gmtdatetime) + seq * 3600, 0, 0
+                FROM LkupDates INNER JOIN seq_0_to_24
+                WHERE gmtdatetime BETWEEN [startDate] AND [endDate]
+            ) AS event
+            WHERE at <= UNIX_TIMESTAMP([endDate])
+        ) AS running
+        GROUP BY quarter
+    ) AS part
+) AS moment
 GROUP BY hour
 HAVING SUM(legs) > 0
 ORDER BY hour

@@ -10,7 +10,7 @@ SELECT cn AS department, hour, TIME_FORMAT(MAKETIME(hour, 0, 0), '%H:%i') AS beg
     ROUND(AVG(IF(kind = 'inbound' AND outcome = 'answered', ringing, NULL))) AS avgwait,
     COUNT(IF(kind = 'outbound', 1, NULL)) AS outbound,
     COUNT(IF(kind = 'internal', 1, NULL)) AS internal,
-    SUM(callconnected) AS talk, SUM(totalcost) AS cost,
+    SUM(callconnected) AS talk,
     COUNT(IF(starts, 1, NULL)) AS n_calls, COUNT(*) AS n_legs, COUNT(IF(starts, NULL, 1)) AS n_transfers
 FROM LDAPDepartments AS d CROSS JOIN hour
     INNER JOIN Leg ON origCostCentre = cn AND EXTRACT(HOUR FROM Leg.gmtdatetime) = hour
