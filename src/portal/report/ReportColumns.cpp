@@ -33,6 +33,10 @@ std::vector<ReportColumn> MatchReportColumns(const LumoraReportSQLCol& columns,
     return matched;
 }
 
+std::string GroupedHeading(const ReportFileColumn& column) {
+    return column.group.empty() ? column.heading : column.group + ": " + column.heading;
+}
+
 std::vector<ReportFileColumn> MatchFileColumns(const LumoraReportSQLCol& columns,
                                                const std::vector<std::string_view>& names,
                                                const ReportSeries& series) {

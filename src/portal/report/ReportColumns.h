@@ -32,6 +32,8 @@ struct ReportFileColumn {
     std::string heading;
     std::string group;  // heading over neighbours, or empty
 };
+// The heading with its group's in front.
+std::string GroupedHeading(const ReportFileColumn& column);
 std::vector<ReportFileColumn> MatchFileColumns(const LumoraReportSQLCol& columns,
                                                const std::vector<std::string_view>& names,
                                                const ReportSeries& series);

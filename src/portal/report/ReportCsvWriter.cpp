@@ -84,7 +84,9 @@ void ReportCsvWriter::AddEmptyLine() {
 void ReportCsvWriter::AddHeadings() {
     for (const ReportFileColumn& column : columns_) {
         if (&column != columns_.data()) block_ += ',';
-        AppendCsvText(block_, column.heading);
+        const bool isUnique =
+            std::ranges::count(columns_, column.heading, &ReportFileColumn::heading) == 1;
+        AppendCsvText(block_, isUnique ? column.heading : GroupedHeading(column));
     }
     AddEmptyLine();
 }

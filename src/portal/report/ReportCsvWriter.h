@@ -22,6 +22,7 @@ class ReportCsvWriter : public ReportRowReader {
     // Lines above the headings: a label and its value, each.
     void AddLine(std::string_view label, std::string_view value);
     void AddEmptyLine();
+    // Headings that several columns share have their group's in front.
     void AddHeadings();
     void AddRow(const std::vector<std::string_view>& row) override;
     // Hands on what is left.

@@ -94,8 +94,7 @@ ReportXlsxWriter::ReportXlsxWriter(std::vector<ReportFileColumn> columns, const 
     std::vector<const char*> headings;
     for (size_t i = 0; i < columns_.size(); ++i) {
         // One line of headings: those of the groups stand in front.
-        const ReportFileColumn& column = columns_[i];
-        texts_[i] = column.group.empty() ? column.heading : column.group + ": " + column.heading;
+        texts_[i] = GroupedHeading(columns_[i]);
         headings.push_back(texts_[i].c_str());
     }
     const std::string remark = std::string("Days and times are those of ") + timeZone + ".";

@@ -40,6 +40,7 @@ TEST_CASE("a file of values has one line a row, and knows whether it is ASCII") 
         UStringWebRender out;
         ReportCsvWriter csv({{1, ReportStyle::kText, "Name, first", ""},
                              {0, ReportStyle::kTime, "=Talk", ""},
+                             {2, ReportStyle::kMoney, "Cost", "Net"},
                              {2, ReportStyle::kMoney, "Cost", ""}},
                             out);
         csv.AddLine("For", "a,b");
@@ -53,8 +54,8 @@ TEST_CASE("a file of values has one line a row, and knows whether it is ASCII") 
     };
     bool isAscii = false;
     CHECK(write("Ann", isAscii) ==
-          "For,\"a,b\"\r\n\r\n\"Name, first\",'=Talk,Cost\r\n"
-          "Ann,1:01:01,-0.01\r\n,,n/a\r\n");
+          "For,\"a,b\"\r\n\r\n\"Name, first\",'=Talk,Net: Cost,Cost\r\n"
+          "Ann,1:01:01,-0.01,-0.01\r\n,,n/a,n/a\r\n");
     CHECK(isAscii);
     write("Zoë", isAscii);
     CHECK_FALSE(isAscii);
