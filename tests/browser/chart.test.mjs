@@ -87,6 +87,21 @@ test('the arrow keys tell each point, and Enter follows its link', () =>
         await page.getByRole('heading', { name: 'Calls by User - Select Criteria' }).waitFor();
     }));
 
+test("a point of a report's graph leads to the calls that it counts", () =>
+    withPage(browser, {}, async (page) => {
+        await open(page, kDays);
+        await canvasOf(page).focus();
+        await page.keyboard.press('ArrowRight');
+        const spoken = await page.locator('figure.reportChart [aria-live]').textContent();
+        const [, day, count] = /^(\S+): Calls: (\d+)\. Enter shows the calls\.$/.exec(spoken);
+        await page.keyboard.press('Enter');
+        await page.getByRole('heading', { name: /Call List/ }).first().waitFor();
+        await page.waitForLoadState();
+        const { rows } = shown(await page.content());
+        assert.equal(rows.length, Number(count));
+        assert.ok(rows.every((row) => row.some((cell) => cell.startsWith(day))));
+    }));
+
 test('a link to another site, or to a script, is none', () =>
     withPage(browser, {}, async (page) => {
         const links = [

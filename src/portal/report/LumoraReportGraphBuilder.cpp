@@ -27,11 +27,6 @@ constexpr const char* kColours[] = {"#12616d", "#e8a33d", "#6b4fa0",
 constexpr std::string_view kOrderedFields[] = {"day",  "date", "week",     "weekday", "month",
                                                "year", "hour", "interval", "time"};
 
-struct KindName {
-    std::string_view name;
-    int kind;
-};
-
 bool IsSummed(const LumoraSQLColumnDescription& column) {
     return strcmp(column.totaltype, "sum") == 0 || strcmp(column.totaltype, "count") == 0;
 }
@@ -64,16 +59,18 @@ LumoraReportGraphBuilder::LumoraReportGraphBuilder(const LumoraReportSQLCol& col
 }
 
 void LumoraReportGraphBuilder::ReadFormat(std::string_view format) {
-    constexpr KindName kKinds[] = {{"graph:none", kNone},   {"graph:bar", kBar},
-                                   {"graph:glass", kGlass}, {"graph:stack", kStack},
-                                   {"graph:line", kLine},   {"graph:pie", kPie},
-                                   {"graph:heat", kHeat}};
+    constexpr struct {
+        std::string_view word;
+        Kind kind;
+    } kKinds[] = {{"graph:none", kNone},   {"graph:bar", kBar},   {"graph:glass", kGlass},
+                  {"graph:stack", kStack}, {"graph:line", kLine}, {"graph:pie", kPie},
+                  {"graph:heat", kHeat}};
     std::string_view series;
     std::string_view label;
     while (!format.empty()) {
         const std::string_view word = TakeWord(format, ' ');
-        for (const KindName& each : kKinds)
-            if (word == each.name) kind_ = static_cast<Kind>(each.kind);
+        for (const auto& each : kKinds)
+            if (word == each.word) kind_ = each.kind;
         if (word.starts_with("series:")) series = word.substr(strlen("series:"));
         if (word.starts_with("label:")) label = word.substr(strlen("label:"));
     }
