@@ -10,12 +10,15 @@
 -- help: Each leg of a call holds one line of its trunk from its first ring to its end, and a call that goes on to an outside number holds one on either trunk. Where one leg ends in the second in which another begins, one line serves both.
 -- help: Peak is the largest number of lines in use at the same second. The peak hour is the first one that reached it.
 -- help: The busy hour is the clock hour of the day with the most time in use; its traffic in erlangs is that time / 3600 seconds (ITU-T E.600: one erlang is one line in use for the whole hour). The day's average is its time in use / 24 hours. ITU-T E.500 takes the average of the busy hours' traffic for the dimension of a trunk.
+-- help: This report puts the beginnings and ends of all calls in order, which takes longer than others when the period holds millions of them.
 -- help: Calls counts each call that began on the trunk. What began before the period is left out, and what lasts beyond its end counts to the end.
 --
 -- [entity] stands on the trunk. No party is shown; a leg counts when a permitted one took part, as in
 -- Calls by Day, and for who may see everybody in any case. A moment's last event tells how many lines
 -- are in use from then on. A step of 0 at each full hour that a leg passes keeps the hours' times
--- apart.
+-- apart. Odd numbers of the sequences stand for the trunk that a leg leaves by.
+-- The sweep puts two events a leg in order, which takes a month of millions of calls some twenty times
+-- as long as counting them; a day's report takes as long as any other.
 WITH leg AS (
     SELECT A_Trunk, B_Trunk, transfercall <> 2 AS starts, UNIX_TIMESTAMP(gmtdatetime) AS since,
         LEAST(UNIX_TIMESTAMP(gmtdatetime) + callduration, CEILING(UNIX_TIMESTAMP([endDate])) + 1)
@@ -26,17 +29,16 @@ WITH leg AS (
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1, 2)
         AND ([allusers] OR A_Name [entity2] OR B_Name [entity2] OR origCostCentre [entity2]
             OR (B_RemoteName [entity2] AND B_Remote NOT LIKE '!%'))
-), seizure AS (
-    SELECT A_Trunk AS dn, starts, since, til, hourstart FROM leg WHERE A_Trunk [entity]
-    UNION ALL
-    SELECT B_Trunk, TRUE, since, til, hourstart FROM leg WHERE B_Trunk [entity]
 ), event AS (
-    SELECT dn, since AS moment, 1 AS step, starts FROM seizure
+    SELECT IF(seq % 2, B_Trunk, A_Trunk) AS dn, IF(seq < 2, since, til) AS moment,
+        IF(seq < 2, 1, -1) AS step, seq < 2 AND (starts OR seq % 2) AS starts
+    FROM leg STRAIGHT_JOIN seq_0_to_3
+    WHERE IF(seq % 2, B_Trunk, A_Trunk) [entity]
     UNION ALL
-    SELECT dn, til, -1, FALSE FROM seizure
-    UNION ALL
-    SELECT dn, hourstart + 3600 * seq, 0, FALSE
-    FROM seizure INNER JOIN seq_1_to_168 ON hourstart + 3600 * seq < til
+    SELECT IF(seq % 2, B_Trunk, A_Trunk), hourstart + 3600 * (seq DIV 2 + 1), 0, FALSE
+    FROM leg STRAIGHT_JOIN seq_0_to_335
+    WHERE til > hourstart + 3600 AND til > hourstart + 3600 * (seq DIV 2 + 1)
+        AND IF(seq % 2, B_Trunk, A_Trunk) [entity]
 ), course AS (
     SELECT dn, moment, starts, SUM(step) OVER (sweep ROWS UNBOUNDED PRECEDING) AS busy,
         LEAD(moment, 1) OVER sweep - moment AS lasts

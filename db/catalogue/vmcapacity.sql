@@ -22,13 +22,13 @@ WITH leg AS (
         AND TIME(gmtdatetime) [time] AND B_Remote LIKE '!%'
         AND ([allusers] OR A_Name [entity] OR B_Name [entity] OR origCostCentre [entity])
 ), event AS (
-    SELECT since AS moment, 1 AS step, taken, collected, NOT taken AND NOT collected AS played
-    FROM leg
-    UNION ALL
-    SELECT til, -1, FALSE, FALSE, FALSE FROM leg
+    SELECT IF(seq = 0, since, til) AS moment, IF(seq = 0, 1, -1) AS step, seq = 0 AND taken AS taken,
+        seq = 0 AND collected AS collected, seq = 0 AND NOT taken AND NOT collected AS played
+    FROM leg STRAIGHT_JOIN seq_0_to_1
     UNION ALL
     SELECT hourstart + 3600 * seq, 0, FALSE, FALSE, FALSE
-    FROM leg INNER JOIN seq_1_to_168 ON hourstart + 3600 * seq < til
+    FROM leg STRAIGHT_JOIN seq_1_to_168
+    WHERE til > hourstart + 3600 AND til > hourstart + 3600 * seq
 ), course AS (
     SELECT moment, taken, collected, played, SUM(step) OVER (sweep ROWS UNBOUNDED PRECEDING) AS busy,
         LEAD(moment, 1) OVER sweep - moment AS lasts
