@@ -148,15 +148,17 @@ CREATE TABLE IF NOT EXISTS CallLog (
     KEY confId (confId),
     KEY B_Num (customerid, B_Num, gmtdatetime),
     KEY targetNumber (customerid, targetNumber),        -- which numbers there are
-    KEY A_Name (customerid, A_Name, gmtdatetime),       -- one person's calls
-    KEY B_Name (customerid, B_Name, gmtdatetime),
-    KEY B_RemoteName (customerid, B_RemoteName, gmtdatetime)
+    -- One person's calls. The name stands first, so that a report of everybody does not read the
+    -- whole customer by one of these, but the period by the primary key.
+    KEY A_Name (A_Name, customerid, gmtdatetime),
+    KEY B_Name (B_Name, customerid, gmtdatetime),
+    KEY B_RemoteName (B_RemoteName, customerid, gmtdatetime)
 );
 -- For databases from before these keys.
 ALTER TABLE CallLog
-    ADD KEY IF NOT EXISTS A_Name (customerid, A_Name, gmtdatetime),
-    ADD KEY IF NOT EXISTS B_Name (customerid, B_Name, gmtdatetime),
-    ADD KEY IF NOT EXISTS B_RemoteName (customerid, B_RemoteName, gmtdatetime),
+    ADD KEY IF NOT EXISTS A_Name (A_Name, customerid, gmtdatetime),
+    ADD KEY IF NOT EXISTS B_Name (B_Name, customerid, gmtdatetime),
+    ADD KEY IF NOT EXISTS B_RemoteName (B_RemoteName, customerid, gmtdatetime),
     ADD KEY IF NOT EXISTS targetNumber (customerid, targetNumber);
 
 CREATE TABLE IF NOT EXISTS CallLogGroup (

@@ -10,6 +10,7 @@
 --
 -- Each half names and counts one party only, and that party carries [entity]: the caller in the
 -- first, the one who answered, or was rung in vain, in the second. The other party is never shown.
+-- Two passes over the period, each with a name list, take ten times as long as counting its rows.
 SELECT name AS user, MAX(number) AS number,
     SUM(IF(outcome = 'answered', legs, 0)) AS answered,
     SUM(IF(outcome = 'missed', legs, 0)) AS missed,

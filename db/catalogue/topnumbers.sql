@@ -12,7 +12,8 @@
 -- A leg counts when a permitted party took part: [entity] stands on the caller, the party dialled,
 -- the one who answered and the department booked. Only the outside party of such a leg is shown.
 -- There are nearly as many numbers as calls: the first pass only counts them, by a short key, and the
--- second works out the rest for the hundred alone.
+-- second works out the rest for the hundred alone. Together they take thirteen times as long as counting
+-- the rows.
 SELECT number, IF(number = '', 'Withheld', number) AS outside, MAX(name) AS name,
     SUM(starts AND inbound) AS inbound,
     SUM(starts AND inbound AND answered) AS answered,

@@ -12,6 +12,7 @@
 --
 -- Each row names two parties, and each carries its condition: who passed the call on [entity], who
 -- received it [entity2]. The two legs meet by the name of the second.
+-- Two passes over the period take eight to nine times as long as counting its rows.
 SELECT sender, receiver, COUNT(*) AS transfers,
     SUM(diverted) AS diverted,
     SUM(answered) AS answered,
