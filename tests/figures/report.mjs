@@ -9,8 +9,8 @@ const kFigures = new URL('./', import.meta.url);
 const kCatalogue = new URL('../../db/catalogue/', import.meta.url);
 
 /**
- * Every report of the catalogue that is run for itself: { name, title, columns, offers: { user, department }, keys, keyTitle,
- * arguments, variables }. Rows that agree in `keys` form a series. `arguments` are criteria that the
+ * Every report of the catalogue that is run for itself: { name, title, columns, offers: { user, … }, keys,
+ * keyTitle, arguments, variables }. Rows that agree in `keys` form a series. `arguments` are criteria that the
  * report cannot do without, `variables` the SQL that says the same to its query here.
  */
 export const catalogue = readdirSync(kCatalogue)
@@ -26,7 +26,9 @@ export const catalogue = readdirSync(kCatalogue)
             name,
             title: setting('name'),
             columns: readColumns(name),
-            offers: { user: setting('opt_user') === '1', department: setting('opt_department') === '1', inbox: setting('opt_inbox') === '1' },
+            offers: Object.fromEntries(
+                ['user', 'department', 'queue', 'agent', 'inbox'].map((kind) => [kind, setting(`opt_${kind}`) === '1']),
+            ),
             keys: [setting('multikeyfield'), setting('multikeyfield2')].filter(Boolean),
             keyTitle: setting('multititle'),
             leadsFromAnother: text.includes('[drill]'),
@@ -160,28 +162,33 @@ export function periods(day, weekLength) {
 
 const prelude = (name) => readFileSync(new URL(`prelude/${name}.sql`, kFigures), 'utf8');
 
-/** The directory entries, { type: 'User' or 'Department', name, number }, that a restricted user of customer
- * 1 may see and a report counts, which it does by users, by departments or by both. */
-export function permittedTo(user, { department, user: people, inbox }) {
-    const contact = `p.contactid = (SELECT id FROM CustomerContact WHERE username = '${user}')`;
-    if (inbox)
-        return sql(`SELECT 'Inbox' AS type, name, id AS number FROM FrontInbox AS i INNER JOIN CallLogPermissions AS p
-            ON p.entityNumber = i.id AND p.customerid = i.customerid AND p.type = 'Inbox' AND p.logging = 1 AND ${contact}
-            WHERE i.customerid = 1 ORDER BY name`);
-    const kinds = people && !department ? ['User'] : department && !people ? ['Department'] : ['User', 'Department'];
-    return kinds.flatMap((type) =>
-        sql(`SELECT '${type}' AS type, cn AS name, telephoneNumber AS number FROM LDAP${type}s AS d
-            INNER JOIN CallLogPermissions AS p ON p.entityNumber = d.telephoneNumber AND p.customerid = d.customerid
-                AND p.type = '${type}' AND p.logging = 1
-                AND ${contact}
-            WHERE d.customerid = 1 ORDER BY cn`),
-    );
+// Kinds of people and places: where they are listed, and the row of permissions that lets somebody see them.
+const kKinds = {
+    user: { table: 'LDAPUsers', name: 'cn', number: 'telephoneNumber', type: 'User', right: 'logging' },
+    department: { table: 'LDAPDepartments', name: 'cn', number: 'telephoneNumber', type: 'Department', right: 'logging' },
+    queue: { table: 'CallCentreQueue', name: 'queueName', number: 'queueNumber', type: 'Department', right: 'queue' },
+    agent: { table: 'CallCentreAgent', name: 'agentName', number: 'agentNumber', type: 'User', right: 'agent' },
+    inbox: { table: 'FrontInbox', name: 'name', number: 'id', type: 'Inbox', right: 'logging' },
+};
+
+/** The entries of the directory, { kind, name, number }, that a restricted user of customer 1 may see and a
+ * report counts, which it does by the kinds that it offers, or else by users and departments. */
+export function permittedTo(user, offers) {
+    const offered = Object.keys(kKinds).filter((kind) => offers[kind]);
+    return (offered.length > 0 ? offered : ['user', 'department']).flatMap((kind) => {
+        const { table, name, number, type, right } = kKinds[kind];
+        return sql(`SELECT '${kind}' AS kind, ${name} AS name, ${number} AS number FROM ${table} AS d
+            INNER JOIN CallLogPermissions AS p ON p.entityNumber = d.${number} AND p.customerid = d.customerid
+                AND p.type = '${type}' AND p.${right} = 1
+                AND p.contactid = (SELECT id FROM CustomerContact WHERE username = '${user}')
+            WHERE d.customerid = 1 ORDER BY name`);
+    });
 }
 
 /** The condition on legs that one of these directory entries took part in, found by their numbers. */
 export function legsOf(entities) {
     const numbers = quoted(entities.map(({ number }) => number));
-    const departments = quoted(entities.filter(({ type }) => type === 'Department').map(({ name }) => name));
+    const departments = quoted(entities.filter(({ kind }) => kind === 'department').map(({ name }) => name));
     return `((A_Trunk = '' AND A_Num IN (${numbers}))
         OR (B_Trunk = '' AND (B_Num IN (${numbers}) OR B_Remote IN (${numbers})))
         OR origCostCentre IN (${departments}))`;
@@ -192,14 +199,10 @@ const quoted = (texts) =>
 
 // A temporary table hides the real one of its name from this session: a directory of these entities.
 const smallDirectory = (entities) =>
-    [
-        ['User', 'LDAPUsers', 'telephoneNumber'],
-        ['Department', 'LDAPDepartments', 'telephoneNumber'],
-        ['Inbox', 'FrontInbox', 'id'],
-    ].map(([kind, table, column]) => {
-        const numbers = quoted(entities.filter(({ type }) => type === kind).map(({ number }) => number));
+    Object.entries(kKinds).map(([kind, { table, number }]) => {
+        const numbers = quoted(entities.filter((entity) => entity.kind === kind).map((entity) => entity.number));
         return `CREATE TEMPORARY TABLE ${table} AS SELECT * FROM ${table}
-            WHERE customerid = @customer AND ${column} IN (${numbers});`;
+            WHERE customerid = @customer AND ${number} IN (${numbers});`;
     });
 
 // Legs that do not count lie outside the period; they still tell where a call began.
@@ -218,6 +221,8 @@ export async function figures(report, { first, last, zone, customer = 1, legs = 
     const counted = entities ? `(${legs}) AND ${legsOf(entities)}` : legs;
     const uses = (...tables) => new RegExp(`(?<!\\w)(${tables.join('|')})\\b`).test(query);
     const preparations = [
+        // Averages in full, so that a share is rounded once.
+        'SET div_precision_increment = 12;',
         `SET time_zone = '${zone}', @customer = ${customer}, @begins = '${hours[0]}', @ends = '${hours[1]}';`,
         `SET @from = ${utc(first)}, @to = ${utc(shift(last, 1))};`,
         report.variables,

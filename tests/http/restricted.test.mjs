@@ -24,8 +24,8 @@ const zone = zoneOf('restricted');
 
 // The directory of the user's company, told apart by what the permissions admit.
 const permitted = permittedTo('restricted', kBoth);
-const others = ['User', 'Department'].flatMap((type) =>
-    sql(`SELECT '${type}' AS type, cn AS name, telephoneNumber AS number FROM LDAP${type}s
+const others = ['user', 'department'].flatMap((kind) =>
+    sql(`SELECT '${kind}' AS kind, cn AS name, telephoneNumber AS number FROM LDAP${kind}s
         WHERE customerid = 1 ORDER BY cn`).filter(({ name }) => !permitted.some((entry) => entry.name === name)),
 );
 
@@ -71,14 +71,14 @@ for (const report of examples) {
         await onOneDay(zone, async (day) => {
             const span = periods(day, 5)['90days'];
             const chosen = { reportPeriod: '90days' };
-            for (const [type, searchtype, argument] of [
-                ['User', 'user', 'userfilter'],
-                ['Department', 'dept', 'department'],
+            for (const [kind, searchtype, argument] of [
+                ['user', 'user', 'userfilter'],
+                ['department', 'dept', 'department'],
             ]) {
-                const ofType = (entries) => entries.filter((entry) => entry.type === type);
+                const ofKind = (entries) => entries.filter((entry) => entry.kind === kind);
                 const ways = (name) => [{ searchtype, suggest1: name }, { [argument]: name }];
-                if (report.offers[type.toLowerCase()]) {
-                    const mine = ofType(permitted)[0];
+                if (report.offers[kind]) {
+                    const mine = ofKind(permitted)[0];
                     const expected = await permittedFigures(report, span, [mine]);
                     for (const entity of ways(mine.name)) {
                         const page = await runReport(report.name, { ...chosen, ...entity }, kUser);
@@ -86,7 +86,7 @@ for (const report of examples) {
                         assert.ok(page.lines.includes(`For: ${mine.name}`), `${page.lines}`);
                     }
                 }
-                const theirs = ofType(others)[0].name;
+                const theirs = ofKind(others)[0].name;
                 for (const name of [
                     theirs,
                     theirs.toUpperCase(),

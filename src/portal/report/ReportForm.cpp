@@ -14,7 +14,7 @@
 namespace {
 
 constexpr char kSlaSql[] =
-    "SELECT '0' as id,'-' as name UNION ALL SELECT id, name FROM CallCentreSLAs where "
+    "SELECT '0' as id,'-' as name UNION ALL SELECT id, name FROM %s where "
     "customerid='%s' order by name ASC";
 
 constexpr char kProgressImage[] = "Images/Norvane/progress1.gif";
@@ -160,9 +160,11 @@ void FormRows::AddDirectionRow() {
 }
 
 void FormRows::AddSlaRow() {
+    // Messages have targets of their own.
+    const SqlFragment table(offered_.hasInbox ? "FrontSLAs" : "CallCentreSLAs");
     LDAPDropDownValue slas;
     SQLSession db(ctx_.GetSQLSession());
-    db.Query(SqlText(kSlaSql, SqlQuoted(ctx_.customerIdString)));
+    db.Query(SqlText(kSlaSql, table, SqlQuoted(ctx_.customerIdString)));
     while (db.NextRow())
         slas.Add(db.Column(0), db.Column(1));
     WebItem& cell = table_.AddRow("slaID", "Using SLA:");
