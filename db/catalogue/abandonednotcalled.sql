@@ -11,19 +11,32 @@
 --
 -- Only the outside number, which called a permitted queue, and that queue are shown: the abandoned
 -- calls carry [entity] on B_Name. That a colleague has spoken to the number since takes it off the
--- list, whoever that was. Moments are compared as seconds since 1970, which no change of the clock
--- repeats.
-SELECT name, number,
-    SUBSTRING(latest, 11) AS queue,
-    FROM_UNIXTIME(gaveup) AS gaveup,
-    wait, calls, longest
+-- list, whoever that was. The join keeps a number's latest abandoned call and what came after it;
+-- moments are compared as seconds since 1970, which no change of the clock repeats.
+SELECT number, name, SUBSTRING(latest, 17) AS queue, FROM_UNIXTIME(since) AS gaveup,
+    CAST(SUBSTRING(latest, 11, 6) AS SIGNED) AS wait, calls, longestwait, calls AS n_calls
 FROM (
-    SELECT customerid, number, MAX(name) AS name, SUM(abandoned) AS calls,
-        MAX(IF(abandoned, CONCAT(at, queue), NULL)) AS latest,
-        MAX(IF(abandoned, at, NULL)) AS gaveup,
-        MAX(IF(abandoned, NULL, at)) AS contact,
-        MAX(IF(abandoned, callduration, NULL)) AS longest
-    FROM leg
-) AS outside
-WHERE gaveup > IFNULL(contact, 0)
-ORDER BY gaveup DESC, number, customerid
+    SELECT CAST(A_Num AS CHAR(64) CHARACTER SET ascii) AS number, MAX(A_Name) AS name,
+        MAX(UNIX_TIMESTAMP(gmtdatetime)) AS since,
+        MAX(CONCAT(UNIX_TIMESTAMP(gmtdatetime), LPAD(callduration, 6, '0'), B_Name)) AS latest,
+        COUNT(*) AS calls, MAX(callduration) AS longestwait
+    FROM CallLog FORCE INDEX (PRIMARY)
+    WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
+        AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
+        AND A_Trunk <> '' AND A_Out = 0 AND A_Num <> '' AND origCostCentre <> ''
+        AND hasconnected = 0 AND B_Remote NOT LIKE '!LeaveVoicemail%'
+        AND callduration > IF([timeLimit] < 0, 5, [timeLimit])
+        AND NOT (transfercall = 1 AND callduration < 2) AND B_Name [entity]
+    GROUP BY number
+) AS waiting INNER JOIN (
+    SELECT CAST(IF(A_Trunk <> '' AND A_Out = 0, A_Num, B_Num) AS CHAR(64) CHARACTER SET ascii)
+            AS outside,
+        UNIX_TIMESTAMP(gmtdatetime) AS at, hasconnected OR A_Trunk = '' AS contact
+    FROM CallLog FORCE INDEX (PRIMARY)
+    WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
+        AND transfercall IN (0, 1, 2) AND origCostCentre <> ''
+        AND ((A_Trunk <> '' AND A_Out = 0) OR (B_Trunk <> '' AND B_Out = 1))
+) AS leg ON outside = number AND at >= since
+GROUP BY number
+HAVING SUM(contact AND at > since) = 0
+ORDER BY since DESC, number
