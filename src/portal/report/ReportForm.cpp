@@ -14,7 +14,11 @@
 namespace {
 
 constexpr char kSlaSql[] =
-    "SELECT '0' as id,'-' as name UNION ALL SELECT id, name FROM %s where "
+    "SELECT '0' as id,'-' as name UNION ALL SELECT id, name FROM CallCentreSLAs where "
+    "customerid='%s' order by name ASC";
+// Messages have targets of their own.
+constexpr char kMessageSlaSql[] =
+    "SELECT '0' as id,'-' as name UNION ALL SELECT id, name FROM FrontSLAs where "
     "customerid='%s' order by name ASC";
 
 constexpr char kProgressImage[] = "Images/Norvane/progress1.gif";
@@ -160,11 +164,10 @@ void FormRows::AddDirectionRow() {
 }
 
 void FormRows::AddSlaRow() {
-    // Messages have targets of their own.
-    const SqlFragment table(offered_.hasInbox ? "FrontSLAs" : "CallCentreSLAs");
     LDAPDropDownValue slas;
+    const SqlQuoted customer(ctx_.customerIdString);
     SQLSession db(ctx_.GetSQLSession());
-    db.Query(SqlText(kSlaSql, table, SqlQuoted(ctx_.customerIdString)));
+    db.Query(offered_.hasInbox ? SqlText(kMessageSlaSql, customer) : SqlText(kSlaSql, customer));
     while (db.NextRow())
         slas.Add(db.Column(0), db.Column(1));
     WebItem& cell = table_.AddRow("slaID", "Using SLA:");
