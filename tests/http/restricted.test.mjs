@@ -54,7 +54,7 @@ function assertShows(page, expected, what) {
 
 test('the demo has somebody to hide, and no report names them', async () => {
     assert.deepEqual(
-        permitted.filter(({ type }) => type === 'Department').map(({ name }) => name),
+        permitted.filter(({ kind }) => kind === 'department').map(({ name }) => name),
         ['R&D <Labs>', 'Support'],
     );
     assert.ok(permitted.length > 10 && others.length > 100);
@@ -151,4 +151,37 @@ test('no other argument, and no session of a manager, widens what is seen', asyn
         (await get({ pagename: 'callreport', report: 'callsbyuser', change: '1', sessionId }, kUser)).text,
         'the form',
     );
+});
+
+test('the list behind a figure shows no more, whatever report the request names', async () => {
+    const list = { pagename: 'calllogdrill', parent: 'callsbyhour', by: 'hour', value: '10', reportPeriod: '90days' };
+    const rowsOf = async (more, user) => shown((await get({ ...list, rows: 'all', wait: '1', ...more }, { user })).text).rows;
+    const mine = await rowsOf({}, 'restricted');
+    assert.ok(mine.length > 0 && mine.length < (await rowsOf({}, 'manager')).length);
+    for (const report of ['trunkcapdrill', 'trunkcapacity'])
+        for (const parent of ['callsbyhour', report]) {
+            const rows = await rowsOf({ parent, report, trunk: 'x' }, 'restricted');
+            assert.ok(rows.length <= mine.length, `${parent}, ${report}: ${rows.length} rows`);
+        }
+});
+
+test('who may see two departments and every user sees no third one under a false name', async () => {
+    const [{ id }] = sql("SELECT id FROM CustomerContact WHERE username = 'zoned'");
+    const department = others.find(({ kind, name }) => kind === 'department' && name === 'Sales');
+    const user = permitted.find(({ kind }) => kind === 'user');
+    sql(`INSERT INTO CallLogPermissions (contactid, customerid, type, entityNumber, logging) SELECT ${id}, customerid,
+        type, entityNumber, logging FROM CallLogPermissions WHERE type = 'Department' AND logging = 1 AND contactid =
+        (SELECT id FROM CustomerContact WHERE username = 'restricted')`);
+    try {
+        for (const report of ['callsbydept', 'callsbyuser', 'callsbyday', 'queuesummary']) {
+            const run = (entity) => runReport(report, { reportPeriod: '90days', ...entity }, { user: 'zoned' });
+            const page = await run({ userfilter: department.name });
+            assert.deepEqual([page.rows, page.notices], [[], kNothing], report);
+            assert.ok(page.lines.includes('For: Restricted user selected!'), report);
+            // Those of the kind stay open.
+            assert.ok((await run({ userfilter: user.name })).lines.includes(`For: ${user.name}`), report);
+        }
+    } finally {
+        sql(`DELETE FROM CallLogPermissions WHERE contactid = ${id}`);
+    }
 });

@@ -15,6 +15,7 @@ namespace {
 constexpr size_t kMostBars = 31;         // of labels in an order: a month of days
 constexpr size_t kMostKept = 1000;       // rows, before all but the largest are dropped
 constexpr size_t kMostKeyed = 20000;     // rows of a report with a key column
+constexpr size_t kMostPlaces = 100000;   // of points by label and key, filled or not
 constexpr double kMostOthers = 1.0 / 3;  // of a pie, in one slice
 constexpr int kChartWidth = 900;
 constexpr int kChartHeight = 320;
@@ -240,9 +241,15 @@ ReportGraphData LumoraReportGraphBuilder::ByKey() {
     std::unordered_map<std::string, size_t> labels;
     std::unordered_map<std::string, size_t> keys;
     for (Point& point : points_) {
-        const size_t label = labels.try_emplace(point.label, labels.size()).first->second;
+        labels.try_emplace(point.label, labels.size());
+        keys.try_emplace(point.key, keys.size());
+    }
+    // A chart of them would be nearly empty.
+    if (labels.size() * keys.size() > kMostPlaces) return data;
+    for (Point& point : points_) {
+        const size_t label = labels.at(point.label);
         if (label == data.labels.size()) data.labels.push_back(point.label);
-        const size_t key = keys.try_emplace(point.key, keys.size()).first->second;
+        const size_t key = keys.at(point.key);
         if (key == data.series.size()) data.series.push_back({point.key, {}});
         std::vector<ReportGraphValue>& values = data.series[key].values;
         if (values.size() <= label) values.resize(label + 1);

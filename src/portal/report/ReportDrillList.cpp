@@ -66,8 +66,10 @@ std::unique_ptr<ReportDefinition> LoadDrillList(PortalContext& ctx, const char* 
     if (list == nullptr) ThrowText("The report catalogue lacks the list \"%s\".", pagename);
     const auto parent = ReportDefinition::Load(ctx, parentName, filter);
     if (parent == nullptr || IsDrillList(*parent)) ThrowText("%s", kNoParent);
-    // Private inboxes stay private, whatever the report asks for.
+    // Private inboxes stay private, whatever the report asks for; and whom the caller may see does
+    // not depend on the report that the request names.
     if (messages) filter.hasInbox = true;
+    filter.report = pagename;
     back = RunUrl(ctx, *parent, filter);
 
     list->page = pagename;

@@ -13,6 +13,11 @@ constexpr char kPermittedSql[] =
     "SELECT %s FROM %s as u INNER JOIN CallLogPermissions as clp "
     "ON clp.entityNumber = u.%s WHERE clp.contactid='%i' AND clp.customerid IN('%s') "
     "and clp.%s='1' and clp.type='%s' and u.customerid IN('%s') and u.%s='%s' ";
+// A row when the caller may not see everybody and the name is none of the kind's.
+constexpr char kForeignNameSql[] =
+    "SELECT 1 FROM CallLogPermissions WHERE contactid='%i' AND customerid='%s' AND "
+    "type IN ('User','Department') AND NOT EXISTS "
+    "(SELECT 1 FROM %s AS u WHERE u.customerid IN('%s') AND u.%s='%s') LIMIT 1";
 constexpr char kOfCompanySql[] =
     " AND _company IN (SELECT GUID FROM LDAPCompanies WHERE customerid IN('%s') AND cn='%s')";
 constexpr char kWithNameSql[] = " AND %s LIKE '%%%s%%'";
@@ -49,10 +54,21 @@ bool IsPermitted(PortalContext& ctx, const EntitySource& source, const UString& 
     return db.RowCount() > 0;
 }
 
+// Who may see all of one kind, say all users, must not get at others by naming one of them as such.
+bool IsForeignName(PortalContext& ctx, const EntitySource& source, const UString& name) {
+    SQLSession db(ctx.GetSQLSession());
+    db.Query(SqlText(kForeignNameSql, ctx.contactId, SqlQuoted(ctx.customerIdString),
+                     SqlFragment(source.table), SqlFragment(ctx.GetCustomerSearchGroup()),
+                     SqlFragment(source.name), SqlQuoted(name)));
+    return db.RowCount() > 0;
+}
+
 ReportEntity GetEntity(PortalContext& ctx, const EntitySource& source, const UString& name,
                        bool everything) {
     const bool restricted = !everything && IsRestricted(ctx, source);
-    if (restricted && !IsPermitted(ctx, source, name)) return Refused(source.refusal);
+    const bool refused = restricted ? !IsPermitted(ctx, source, name)
+                                    : !everything && IsForeignName(ctx, source, name);
+    if (refused) return Refused(source.refusal);
     return Only(name, restricted);
 }
 

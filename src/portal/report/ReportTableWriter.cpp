@@ -33,7 +33,8 @@ std::vector<ReportTableWriter::Cell> ReportTableWriter::MakeCells(
         const bool isFigure =
             column.style != ReportStyle::kText && column.style != ReportStyle::kDate;
         std::string open = "<td>";
-        if (!isFigure) open.insert(3, " class=\"" + std::string(ReportStyleName(column.style)) + '"');
+        if (!isFigure)
+            open.insert(3, " class=\"" + std::string(ReportStyleName(column.style)) + '"');
         std::string next = cells.empty() ? open : "</td>" + open;
         cells.push_back({column.field, column.style, std::move(open), std::move(next),
                          ReportCellLink(layout_.links, column, names)});

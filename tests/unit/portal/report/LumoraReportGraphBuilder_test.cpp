@@ -175,6 +175,12 @@ TEST_CASE("kind, series and labels follow from the columns, the rows and the for
          "pie: Calls | n6..Others | Calls"},
         {"a pie of even slices, too many", With(kNames, "graph:pie"), Names(2500),
          "bar_glass: Calls | n2499..n2480 | Calls"},
+        {"a key of its own for each name", With(kNames, "series:calls label:name", "wait"),
+         Rows(20000,
+              [](int i) -> std::vector<std::string> {
+                  return {"n" + std::to_string(i), "1", std::to_string(i)};
+              }),
+         "none"},
         {"rows of one name add up", With(kNames, "label:name"),
          Rows(9,
               [](int i) -> std::vector<std::string> {
