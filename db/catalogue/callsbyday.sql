@@ -4,7 +4,7 @@
 -- listorder: 30
 -- opt_user: 1
 -- opt_department: 1
--- format: graph:line series:inbound,answered,outbound,internal label:day
+-- format: graph:line series:answered,abandoned,outbound,internal label:day
 -- help: Answered, voicemail, passed on and abandoned are the four ways in which an inbound call can end; together they are its calls. Answered % is answered / calls x 100. Abandoned: the caller hung up before anybody, or the voicemail, answered.
 -- help: Talk time is the time from answer to end, added up over every leg; cost is the cost logged with the calls, before uplift and VAT.
 -- help: The day is that of your time zone. Days without a call are left out.

@@ -8,7 +8,7 @@
 -- opt_time_limit: 1
 -- help: Offered = answered + voicemail + abandoned: the calls from outside that reached the queue. Calls that were diverted before a telephone rang are left out. % is abandoned / offered x 100.
 -- help: Service level is the share of calls answered in time, that is, within the target, in the three usual ways: of answered = in time / answered x 100; of offered = in time / offered x 100; less short = in time / (offered - short) x 100.
--- help: Short are abandoned calls whose callers who hung up after no more than the seconds of "Duration longer than", or 5 when that is empty: too soon for anybody to answer.
+-- help: Short are abandoned calls whose callers hung up after no more than the seconds of "Duration longer than", or 5 when that is empty: too soon for anybody to answer.
 -- help: Average wait is the waiting time of the answered calls / answered calls, also known as the average speed of answer; longest wait is that of any call that did not end at voicemail. Waiting runs from the first ring.
 --
 -- Only queues are named and counted, and B_Name carries [entity]; neither the caller nor the agent

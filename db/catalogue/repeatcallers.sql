@@ -1,4 +1,4 @@
--- name: Repeated Callers
+-- name: Repeat Callers
 -- description: Outside numbers that called three times or more in the period, and whether they were answered. Choose a user or a department to count only the calls to them.
 -- category: 1
 -- listorder: 64
@@ -22,7 +22,6 @@ SELECT number, MAX(name) AS name,
     SUM(inbound AND NOT answered AND NOT voicemail AND NOT passedon) AS abandoned,
     ROUND(100 * SUM(inbound AND answered) / SUM(inbound), 1) AS answeredpct,
     SUM(NOT inbound) AS outbound,
-    FROM_UNIXTIME(MIN(IF(inbound, at, NULL))) AS firstcall,
     FROM_UNIXTIME(MAX(IF(inbound, at, NULL))) AS lastcall,
     FROM_UNIXTIME(MAX(IF(inbound AND answered, at, NULL))) AS lastanswered,
     SUM(inbound) AS n_calls

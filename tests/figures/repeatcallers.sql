@@ -5,7 +5,7 @@ WITH caller AS (
         COUNT(IF(outcome = 'passedon', 1, NULL)) AS passedon,
         COUNT(IF(outcome = 'abandoned', 1, NULL)) AS abandoned,
         ROUND(AVG(100.0000 * (outcome = 'answered')), 1) AS answeredpct,
-        MIN(UNIX_TIMESTAMP(gmtdatetime)) AS first, MAX(UNIX_TIMESTAMP(gmtdatetime)) AS last,
+        MAX(UNIX_TIMESTAMP(gmtdatetime)) AS last,
         MAX(IF(outcome = 'answered', UNIX_TIMESTAMP(gmtdatetime), NULL)) AS lastanswer
     FROM Leg
     WHERE kind = 'inbound' AND A_Num <> ''
@@ -18,7 +18,7 @@ called AS (
 )
 SELECT number, IFNULL(GREATEST(caller.name, called.name), caller.name) AS name, inbound, answered,
     voicemail, passedon, abandoned, answeredpct, IFNULL(calls, 0) AS outbound,
-    FROM_UNIXTIME(first) AS firstcall, FROM_UNIXTIME(last) AS lastcall,
+    FROM_UNIXTIME(last) AS lastcall,
     FROM_UNIXTIME(lastanswer) AS lastanswered, inbound AS n_calls
 FROM caller LEFT JOIN called USING (number)
 ORDER BY inbound DESC, number;

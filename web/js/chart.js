@@ -237,7 +237,7 @@
                 title: title(chart.xTitle),
                 grid: { display: false },
                 border: { color: theme.line },
-                ticks: { color: theme.muted, minRotation: 0, maxRotation: chart.rotation, autoSkipPadding: 6 },
+                ticks: { color: theme.muted, minRotation: 0, maxRotation: chart.rotation },
             },
             y: {
                 stacked: chart.isStacked,

@@ -40,10 +40,11 @@ std::string GrandTotal(const PortalContext& ctx, ReportDecimal sum) {
     return html + "</b>\n";
 }
 
-// The paragraphs of a report's help, folded away.
-std::string HelpText(const UString& help) {
+// The paragraphs of a report's help, folded away on the screen.
+std::string HelpText(const UString& help, bool forPaper) {
     if (help.IsEmpty()) return "";
-    std::string html = "<details class=\"reportHelp\"><summary>How this report counts</summary>";
+    std::string html = "<details class=\"reportHelp\"";
+    html.append(forPaper ? " open" : "").append("><summary>How this report counts</summary>");
     std::string_view rest = help.c_str();
     while (!rest.empty()) {
         const size_t end = std::min(rest.find('\n'), rest.size());
@@ -131,5 +132,5 @@ void LumoraReportTable::WriteNotes(const ReportRun& run, const std::string& coun
     AppendHtmlText(html, run.ctx.zoneName.c_str());
     html += " by the database server's clock, which showed " + age.now + ".</p></div>\n";
     spool_.Write(html);
-    spool_.Write(HelpText(run.definition.help));
+    spool_.Write(HelpText(run.definition.help, forPaper_));
 }

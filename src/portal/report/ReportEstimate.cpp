@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "common/Parse.h"
 #include "portal/context/PortalContext.h"
@@ -41,13 +42,18 @@ struct PlanColumns {
     bool complete() const { return id >= 0 && table >= 0 && rows >= 0 && filtered >= 0; }
 };
 
+// Names like <derived2> and <union1,2> are results of other SELECTs, and the numbers of a table
+// like seq_0_to_3 are counted, not stored.
+bool IsMade(std::string_view table) {
+    return table.starts_with('<') || table.starts_with("seq_");
+}
+
 uint64_t ReadPlan(SQLSession& db) {
     const PlanColumns column(db);
     PlanRows plan;
     while (column.complete() && db.NextRow()) {
         if (db.IsNull(column.rows)) continue;
-        // Names like <derived2> and <union1,2> are results of other SELECTs.
-        plan.Add({db.IntColumn(column.id), *db.Column(column.table) == '<',
+        plan.Add({db.IntColumn(column.id), IsMade(db.Column(column.table)),
                   strtod(db.Column(column.rows), nullptr),
                   strtod(db.Column(column.filtered), nullptr)});
     }
