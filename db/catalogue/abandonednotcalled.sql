@@ -13,12 +13,14 @@
 -- calls carry [entity] on B_Name. That a colleague has spoken to the number since takes it off the
 -- list, whoever that was. The join keeps a number's latest abandoned call and what came after it;
 -- moments are compared as seconds since 1970, which no change of the clock repeats.
-SELECT number, name, SUBSTRING(latest, 17) AS queue, FROM_UNIXTIME(since) AS gaveup,
-    CAST(SUBSTRING(latest, 11, 6) AS SIGNED) AS wait, calls, longestwait, calls AS n_calls
+SELECT number, MAX(IF(id = last, name, NULL)) AS name, MAX(IF(id = last, queue, NULL)) AS queue,
+    FROM_UNIXTIME(since) AS gaveup, MAX(IF(id = last, callduration, NULL)) AS wait,
+    calls, longestwait, calls AS n_calls
 FROM (
-    SELECT CAST(A_Num AS CHAR(64) CHARACTER SET ascii) AS number, MAX(A_Name) AS name,
+    SELECT CAST(A_Num AS CHAR(64) CHARACTER SET ascii) AS number,
         MAX(UNIX_TIMESTAMP(gmtdatetime)) AS since,
-        MAX(CONCAT(UNIX_TIMESTAMP(gmtdatetime), LPAD(callduration, 6, '0'), B_Name)) AS latest,
+        CAST(SUBSTRING(MAX(CONCAT(UNIX_TIMESTAMP(gmtdatetime), LPAD(id, 20, '0'))), 11) AS UNSIGNED)
+            AS last,
         COUNT(*) AS calls, MAX(callduration) AS longestwait
     FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
@@ -31,7 +33,8 @@ FROM (
 ) AS waiting INNER JOIN (
     SELECT CAST(IF(A_Trunk <> '' AND A_Out = 0, A_Num, B_Num) AS CHAR(64) CHARACTER SET ascii)
             AS outside,
-        UNIX_TIMESTAMP(gmtdatetime) AS at, hasconnected OR A_Trunk = '' AS contact
+        id, A_Name AS name, B_Name AS queue, callduration, UNIX_TIMESTAMP(gmtdatetime) AS at,
+        hasconnected OR A_Trunk = '' AS contact
     FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND transfercall IN (0, 1, 2) AND origCostCentre <> ''

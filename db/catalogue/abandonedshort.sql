@@ -31,7 +31,7 @@ FROM (
             WHEN callduration <= IF([timeLimit] < 0, 5, [timeLimit]) THEN 'short'
             ELSE 'longer' END AS outcome,
         COUNT(*) AS legs, SUM(callduration) AS waits
-    FROM CallLog
+    FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> ''

@@ -6,7 +6,7 @@
 -- opt_queue: 1
 -- opt_sla: 1
 -- help: Abandoned: the caller hung up before an agent, or the voicemail, answered. % is abandoned / offered x 100; offered = answered + voicemail + abandoned. Calls that were diverted before a telephone rang are left out.
--- help: Before and after tell the abandoned calls apart by their wait: before counts those who gave up within the target, while the call could still have been answered in time; after those who gave up later. After % is after / offered x 100.
+-- help: In target counts the abandoned calls whose callers gave up within the target, while they could still have been answered in time; later those who gave up after it. Later % is later / offered x 100.
 -- help: The average wait is the waiting time of the abandoned calls / abandoned calls, also known as the average time to abandon. Waiting runs from the first ring until the caller hangs up. Last is the day of the latest abandoned call.
 --
 -- Only queues are named and counted, and B_Name carries [entity]. The outside caller is not shown,
@@ -33,7 +33,7 @@ FROM (
             ELSE 'after' END AS outcome,
         COUNT(*) AS legs, SUM(callduration) AS waits, MAX(callduration) AS longest,
         MAX(gmtdatetime) AS latest
-    FROM CallLog
+    FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> ''

@@ -26,7 +26,7 @@ FROM (
         SUM(hasconnected) AS answered, SUM(NOT hasconnected) AS abandoned
     FROM (
         SELECT customerid, B_Name AS queue, hasconnected, callduration - callconnected AS wait
-        FROM CallLog
+        FROM CallLog FORCE INDEX (PRIMARY)
         WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
             AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
             AND A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> ''

@@ -43,7 +43,7 @@ FROM (
             ELSE 'abandoned' END AS outcome,
         COUNT(*) AS legs, SUM(callduration - callconnected) AS waits,
         MAX(callduration - callconnected) AS longest
-    FROM CallLog
+    FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> ''

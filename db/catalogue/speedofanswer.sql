@@ -8,7 +8,7 @@
 -- opt_queue: 1
 -- opt_sla: 1
 -- help: Average speed of answer is the waiting time of the answered calls / answered calls. Waiting runs from the first ring until an agent answers; announcements that the caller hears meanwhile are part of it.
--- help: Offered = answered + voicemail + abandoned. Service level is the calls answered within the target of the SLA / offered x 100; without an SLA the target is 20 seconds.
+-- help: Offered = answered + voicemail + abandoned. In time are the calls answered within the target of the SLA, or 20 seconds without one; service level is in time / offered x 100. Time to abandon is the waiting time of the abandoned calls / abandoned calls.
 -- help: The day is that of your time zone. Days without a call are left out.
 --
 -- Only queues are named and counted, and B_Name carries [entity]; neither the caller nor the agent
@@ -36,7 +36,7 @@ FROM (
             ELSE 'abandoned' END AS outcome,
         COUNT(*) AS legs, SUM(callduration - callconnected) AS waits,
         MAX(callduration - callconnected) AS longest
-    FROM CallLog
+    FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)
         AND A_Trunk <> '' AND A_Out = 0 AND origCostCentre <> ''

@@ -11,6 +11,13 @@ const [sla] = sql('SELECT id, answerSLA FROM CallCentreSLAs WHERE customerid = 1
 const literal = (text) => `'${text.replaceAll('\\', '\\\\').replaceAll("'", "\\'")}'`;
 
 export const criteria = {
+    abandonedshort: { arguments: { timeLimit: '9' } },
+    // Whoever a number spoke to since, and at whatever time of the day, it needs no call back.
+    abandonednotcalled: { everyLeg: true },
+    abandonsum: {
+        arguments: { slaID: sla.id },
+        variables: `SET @answer = IF(@customer = 1, ${sla.answerSLA}, 20);`,
+    },
     queuesummary: {
         arguments: { slaID: sla.id },
         variables: `SET @answer = IF(@customer = 1, ${sla.answerSLA}, 20);`,

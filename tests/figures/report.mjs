@@ -10,8 +10,9 @@ const kCatalogue = new URL('../../db/catalogue/', import.meta.url);
 
 /**
  * Every report of the catalogue that is run for itself: { name, title, columns, offers: { user, … }, keys,
- * keyTitle, arguments, variables }. Rows that agree in `keys` form a series. `arguments` are criteria that the
- * report cannot do without, `variables` the SQL that says the same to its query here.
+ * keyTitle, arguments, variables, everyLeg }. Rows that agree in `keys` form a series. `arguments` are criteria that the
+ * report cannot do without, `variables` the SQL that says the same to its query here. With `everyLeg` the query
+ * chooses by itself among all legs of the period, by the directory and the window of the day.
  */
 export const catalogue = readdirSync(kCatalogue)
     .filter((file) => file.endsWith('.sql'))
@@ -218,7 +219,8 @@ const smallLog = (legs) =>
 export async function figures(report, { first, last, zone, customer = 1, legs = 'TRUE', hours = ['00:00:00', '23:59:59'], entities }) {
     const query = readFileSync(new URL(`${report.name}.sql`, kFigures), 'utf8');
     const utc = (day) => `TIMESTAMP('1970-01-01') + INTERVAL UNIX_TIMESTAMP('${day} 00:00:00') SECOND`;
-    const counted = entities ? `(${legs}) AND ${legsOf(entities)}` : legs;
+    const chosen = entities ? `(${legs}) AND ${legsOf(entities)}` : legs;
+    const counted = report.everyLeg ? 'TRUE' : chosen;
     const uses = (...tables) => new RegExp(`(?<!\\w)(${tables.join('|')})\\b`).test(query);
     const preparations = [
         // Averages in full, so that a share is rounded once.

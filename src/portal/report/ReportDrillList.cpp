@@ -15,6 +15,7 @@ namespace {
 constexpr char kCallList[] = "calllogdrill";
 constexpr char kMessageList[] = "mediadrill";
 constexpr char kMark[] = "[drill]";
+constexpr char kOwnDuration[] = "[timeLimit]";
 
 constexpr char kParentFileSql[] = "SELECT reportfile FROM CallReport WHERE pagename='%s'";
 
@@ -66,6 +67,8 @@ std::unique_ptr<ReportDefinition> LoadDrillList(PortalContext& ctx, const char* 
     if (list == nullptr) ThrowText("The report catalogue lacks the list \"%s\".", pagename);
     const auto parent = ReportDefinition::Load(ctx, parentName, filter);
     if (parent == nullptr || IsDrillList(*parent)) ThrowText("%s", kNoParent);
+    // There a duration says how the report counts, not which calls are in it.
+    if (strstr(parent->query.c_str(), kOwnDuration) != nullptr) filter.hasTimeLimit = false;
     // Private inboxes stay private, whatever the report asks for; and whom the caller may see does
     // not depend on the report that the request names.
     if (messages) filter.hasInbox = true;
