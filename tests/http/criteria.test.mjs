@@ -251,11 +251,11 @@ test('a group of customers is searched as one', async () => {
     );
     const trunks = listOf(`SELECT QUOTE(dn) FROM LDAPTrunks WHERE customerid IN('3','4','5')`);
     const { page, all } = await run('trunkcapacity', kDay, { user: 'manager3', host: 'three.localhost' });
-    assert.ok(all.some((text) => text.includes(`A_Trunk ${trunks}`)));
+    assert.ok(all.some((text) => text.includes(`A_Trunk) ${trunks}`)));
     assert.ok(page.lines.includes('For: All System Trunks'), `${page.lines}`);
     const group = await run('trunkcapacity', { ...kDay, trunkgroup: 'Tie lines' });
     const ties = listOf(`SELECT QUOTE(dn) FROM LDAPTrunks WHERE customerid=1 AND description LIKE '%internal%'`);
-    assert.ok(group.all.some((text) => text.includes(`A_Trunk ${ties}`)));
+    assert.ok(group.all.some((text) => text.includes(`A_Trunk) ${ties}`)));
     assert.ok(group.page.lines.includes('For: Tie lines'), `${group.page.lines}`);
 });
 

@@ -34,6 +34,7 @@ const kDefinitions = {
     result_plain: { name: 'Plain', query: kTemplate, columns: kColumns },
     result_pages: { name: 'Pages', query: 'SELECT seq AS n, 1201 - seq AS down FROM seq_1_to_1200', columns: 'n number N "" "" "" sum\ndown number Down "" "" "" sum\n' },
     result_long: { name: 'Long', query: 'SELECT seq AS n FROM seq_1_to_1048577', columns: 'n number N\n' },
+    result_odd: { name: 'Odd', query: "SELECT CONVERT(X'6101EFBFBE0909F09F9880EFBFBF3C' USING utf8mb4) AS n", columns: 'n text N\n' },
     result_wide: { name: 'Wide', query: `SELECT ${[...Array(300).keys()].map((i) => `${i} AS c${i}`).join(', ')}`, columns: [...Array(300).keys()].map((i) => `c${i} number C${i}\n`).join('') },
     result_wrong: { name: 'Wrong', query: 'SELECT nosuchcolumn FROM CallLog', columns: 'n number N\n' },
     result_midway: { name: 'Midway', query: "SELECT IF(seq < 9, seq, (SELECT seq FROM seq_1_to_2)) AS n FROM seq_1_to_20", columns: 'n number N "" "" "" sum\n' },
@@ -224,6 +225,13 @@ test('more rows than a sheet holds go to a further one, and the first says so', 
     assert.match(firstSheet, /<row r="1048576"[^>]*><c r="A1048576"[^>]*><v>1048575<\/v>/);
     assert.deepEqual(readSheet(files['xl/worksheets/sheet2.xml'](), 1), [['N'], [1048576], [1048577]]);
     assert.match(files['xl/comments1.xml'](), /This sheet is full: the report continues on sheet/);
+});
+
+test('a workbook holds what XML cannot as marks, wherever it comes from', async () => {
+    const answer = await run('result_odd', { xlsx: 'true', var: Buffer.from([0x62, 0xff, 0x0b]).toString('latin1') });
+    const files = unzip(answer.bytes);
+    assert.deepEqual(readSheet(files['xl/worksheets/sheet1.xml'](), 1)[1], ['a\uFFFD\uFFFD\uFFFD\uFFFD\t\t😀\uFFFD\uFFFD\uFFFD<']);
+    for (const part of Object.values(files)) assert.doesNotMatch(part(), /[\0-\x08\x0B\x0C\x0E-\x1F\uFFFE\uFFFF]/);
 });
 
 test('a definition with too many columns and a query that fails are told on the page, in every form', async () => {

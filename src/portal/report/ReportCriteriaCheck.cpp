@@ -9,6 +9,8 @@ namespace {
 
 // Of 255 characters; links repeat the criteria in each cell, so they cannot be of any length.
 constexpr size_t kMostBytes = 1020;
+// Of all of them in a link, which has more to say; web servers usually take 8190.
+constexpr size_t kMostTogether = 6000;
 
 bool IsDateOrTimestamp(const UString& text) {
     return IsDate(text.c_str()) || IsTimestamp(text.c_str());
@@ -120,6 +122,15 @@ void LumoraReportFilter::CheckLengths(std::vector<FilterProblem>& problems) cons
     for (const auto& [name, text] : GivenArguments())
         if (strlen(text->c_str()) > kMostBytes)
             problems.push_back({name, "This is longer than any name can be."});
+    if (!problems.empty()) return;
+    UString url;
+    AppendArguments(url);
+    if (strlen(url.c_str()) <= kMostTogether) return;
+    const std::vector<GivenArgument> given = GivenArguments();
+    const auto longest = std::max_element(given.begin(), given.end(), [](auto& a, auto& b) {
+        return strlen(a.text->c_str()) < strlen(b.text->c_str());
+    });
+    problems.push_back({longest->name, "All criteria together are longer than a link can be."});
 }
 
 std::vector<FilterProblem> LumoraReportFilter::Check() const {

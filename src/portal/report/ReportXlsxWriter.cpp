@@ -1,13 +1,16 @@
 #include "portal/report/ReportXlsxWriter.h"
 
+#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "cgiFramework/Module.h"
 #include "common/Parse.h"
 #include "common/ThrowText.h"
+#include "common/Unicode.h"
 #include "portal/report/ReportCriteria.h"
 
 namespace {
@@ -40,8 +43,39 @@ double DaysOf(std::string_view date) {
     return static_cast<double>((sys_days(day) - kEpoch).count());
 }
 
+bool IsPlain(std::string_view text) {
+    bool plain = true;
+    for (const char c : text)
+        plain &= c >= ' ' && c <= '~';
+    return plain;
+}
+
+// The length of the character at the text's begin if a sheet may hold it, else 0: XML 1.0 (section
+// 2.2) knows neither U+FFFE and U+FFFF nor, but for line breaks and tabs, control characters.
+size_t CharacterLength(std::string_view text) {
+    const char first = text.front();
+    const auto* bytes = reinterpret_cast<const UTF8*>(text.data());
+    if (bytes[0] < 0x80)
+        return bytes[0] >= ' ' || (first != '\0' && strchr("\t\n\r", first)) ? 1 : 0;
+    if (!isLegalUTF8Sequence(bytes, bytes + text.size())) return 0;
+    if (text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF")) return 0;
+    return bytes[0] < 0xE0 ? 2 : bytes[0] < 0xF0 ? 3 : 4;
+}
+
+// What a sheet cannot hold becomes U+FFFD, byte by byte.
+std::string SheetText(std::string_view text) {
+    if (IsPlain(text)) return std::string(text);
+    std::string clean;
+    while (!text.empty()) {
+        const size_t length = CharacterLength(text);
+        clean += length > 0 ? text.substr(0, length) : "\xEF\xBF\xBD";
+        text.remove_prefix(std::max<size_t>(length, 1));
+    }
+    return clean;
+}
+
 XlsxModuleCell TextCell(std::string_view raw, std::string& text) {
-    text = raw;
+    text = SheetText(raw);
     return {kXlsxText, 0, text.c_str()};
 }
 
@@ -94,11 +128,12 @@ ReportXlsxWriter::ReportXlsxWriter(std::vector<ReportFileColumn> columns, const 
     std::vector<const char*> headings;
     for (size_t i = 0; i < columns_.size(); ++i) {
         // One line of headings: those of the groups stand in front.
-        texts_[i] = GroupedHeading(columns_[i]);
+        texts_[i] = SheetText(GroupedHeading(columns_[i]));
         headings.push_back(texts_[i].c_str());
     }
     const std::string remark = std::string("Days and times are those of ") + timeZone + ".";
-    const XlsxModuleBook book = {path,     scratchFolder,   title,          remark.c_str(),
+    const std::string cleanTitle = SheetText(title);
+    const XlsxModuleBook book = {path,     scratchFolder,   cleanTitle.c_str(), remark.c_str(),
                                  timeZone, headings.data(), headings.size()};
     book_ = module_.Open(&book);
     if (book_ == nullptr) Fail();
@@ -115,9 +150,12 @@ void ReportXlsxWriter::AddRow(const std::vector<std::string_view>& row) {
 }
 
 void ReportXlsxWriter::Finish(const std::vector<ReportCriterion>& notes) {
-    std::vector<XlsxModuleNote> lines;
+    std::vector<std::string> values;
     for (const ReportCriterion& note : notes)
-        lines.push_back({note.label.c_str(), note.value.c_str()});
+        values.push_back(SheetText(note.value));
+    std::vector<XlsxModuleNote> lines;
+    for (size_t i = 0; i < notes.size(); ++i)
+        lines.push_back({notes[i].label.c_str(), values[i].c_str()});
     if (!module_.Close(std::exchange(book_, nullptr), lines.data(), lines.size())) Fail();
 }
 

@@ -227,6 +227,11 @@ TEST_CASE("criteria that cannot be used are named") {
     }
     const std::string tooLong = "ddi=" + std::string(10000, '%') + "&tag=" + std::string(1020, 'x');
     CHECK(Problems(FromQuery(tooLong.c_str())) == "ddi");
+    std::string together;
+    for (const char* name : {"contact1=", "contact2=", "contact3=", "account=", "tag=", "extra="})
+        together += name + std::string(960, 'x') + "&";
+    CHECK(Problems(FromQuery(together.c_str())).empty());
+    CHECK(Problems(FromQuery((together + "ddi=" + std::string(961, 'y')).c_str())) == "ddi");
 }
 
 TEST_CASE("the header names selector, tag, drilled column and call type") {
