@@ -301,5 +301,8 @@ function total({ field, style, total: kind, value, divisor }, position, raw) {
     if (kind === 'sum') return displayUnits(style, sum(field));
     const by = sum(divisor);
     const factor = kind === 'percent' ? 100n : 1n;
-    return by === 0n ? '-' : displayUnits(style, divide(sum(value) * factor * kScale, by));
+    if (by === 0n) return '-';
+    // The average of plain numbers has one decimal.
+    const step = style === 'number' ? kScale / 10n : 1n;
+    return displayUnits(style, divide((sum(value) * factor * kScale) / step, by) * step);
 }

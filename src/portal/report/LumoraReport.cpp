@@ -11,6 +11,7 @@
 #include "portal/report/LumoraReportSQLCol.h"
 #include "portal/report/LumoraReportTable.h"
 #include "portal/report/ReportDefinition.h"
+#include "portal/report/ReportDrill.h"
 #include "portal/report/ReportFile.h"
 #include "portal/report/ReportLinks.h"
 #include "portal/report/ReportMessage.h"
@@ -50,15 +51,17 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
     columnCount_ = columns.count();
     const LumoraReportQuery query(ctx, definition.query.c_str(), filter);
     UString filteredOn;
+    std::string row;
     if (definition.fieldFile.IsEmpty()) {
         filter.GetHeader(ctx, columns.columns(), filteredOn);
     } else {
         const LumoraReportSQLCol fields(ctx.dirname.c_str(), definition.fieldFile.c_str());
         filter.GetHeader(ctx, fields.columns(), filteredOn);
+        row = DrillRow(ctx);
     }
     const UString& calls = query.GetCallTitle();
     if (!calls.IsEmpty()) filteredOn += (filteredOn.IsEmpty() ? "" : " / ") + calls;
-    AddHeader(definition.name, query, filteredOn);
+    AddHeader(definition.name, query, filteredOn, row);
 
     const std::string statement = view_.Sorted(query.GetQuery(), columns, definition);
     const ReportRun run = {ctx, definition, columns, view_, statement};
@@ -77,12 +80,13 @@ LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definitio
 LumoraReport::~LumoraReport() = default;
 
 void LumoraReport::AddHeader(const UString& name, const LumoraReportQuery& query,
-                             const UString& filteredOn) {
+                             const UString& filteredOn, const std::string& row) {
     criteria_ = {{"Report", name.c_str()},
                  {"For", Trimmed(query.GetEntityName())},
                  {"Dates", Trimmed(query.GetDateTitle())},
                  {"Time Filter", Trimmed(query.GetTimeTitle())},
-                 {"Filtered on", Trimmed(filteredOn)}};
+                 {"Filtered on", Trimmed(filteredOn)},
+                 {"Row", row}};
     std::erase_if(criteria_, [](const ReportCriterion& about) { return about.value.empty(); });
 
     WebItem& header = Adopt(new WebDiv("class=\"reportHeader\""));
@@ -99,9 +103,11 @@ void LumoraReport::AddHeader(const UString& name, const LumoraReportQuery& query
         else if (label == "Time Filter")
             AddHeaderLine(header,
                           new WebValue("<h4 style=\"display:inline\">Time Filter: %s</h4>", text));
-        else
+        else if (label == "Filtered on")
             AddHeaderLine(header,
                           new WebValue("<h4 style=\"display:inline\">Filtered on: %s</h4>", text));
+        else
+            AddHeaderLine(header, new WebValue("<h4 style=\"display:inline\">Row: %s</h4>", text));
     }
 }
 

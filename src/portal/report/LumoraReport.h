@@ -35,7 +35,8 @@ class LumoraReport : public WebItem {
     std::unique_ptr<FilePage> TakeFile();
 
   private:
-    void AddHeader(const UString& name, const LumoraReportQuery& query, const UString& filteredOn);
+    void AddHeader(const UString& name, const LumoraReportQuery& query, const UString& filteredOn,
+                   const std::string& row);
     void AddLinks(const char* here);
     void MakeFile(const ReportRun& run);
 

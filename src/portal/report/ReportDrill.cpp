@@ -377,3 +377,30 @@ std::string FillDrill(const PortalContext& ctx, DrillKind kind, const char* repo
     const Source& source = kind == DrillKind::kCalls ? kCalls : kMessages;
     return ReplaceAll(templateText, kPlaceholder, DrillCondition(ctx, source, report));
 }
+
+std::string DrillRow(const PortalContext& ctx) {
+    // The others are told by ids and numbers that nobody reads.
+    constexpr struct {
+        std::string_view by;
+        const char* heading;
+    } kNamed[] = {{"user", "User"},
+                  {"department", "Department"},
+                  {"queue", "Queue"},
+                  {"agent", "Agent"},
+                  {"day", "Day"},
+                  {"month", "Month"},
+                  {"hour", "Hour"},
+                  {"ddi", "DDI"},
+                  {"account", "Account code"},
+                  {"tag", "Tag"},
+                  {"number", "Number"}};
+    std::string row;
+    for (const auto& [by, value] : {std::pair{"by", "value"}, std::pair{"by2", "value2"}})
+        for (const auto& each : kNamed)
+            if (each.by == Argument(ctx, by) && *Argument(ctx, value) != '\0')
+                row.append(row.empty() ? "" : ", ")
+                    .append(each.heading)
+                    .append(" ")
+                    .append(Argument(ctx, value));
+    return row;
+}

@@ -38,3 +38,7 @@ enum class DrillKind { kCalls, kMessages };
 // "conversation", and the name of a "tag".
 std::string FillDrill(const PortalContext& ctx, DrillKind kind, const char* report,
                       const char* templateText);
+
+// What the row of the figure is about, for the list's heading: "Department Sales, Hour 9". Empty
+// where the arguments hold no more than ids.
+std::string DrillRow(const PortalContext& ctx);

@@ -72,6 +72,8 @@ ReportEntity GetEntity(PortalContext& ctx, const EntitySource& source, const USt
     return Only(name, restricted);
 }
 
+constexpr char kPermitted[] = " you may see";  // behind "All Users"
+
 // A statement of names, put together from several sources.
 class NameQuery {
   public:
@@ -152,7 +154,7 @@ ReportEntity GetAllEntities(PortalContext& ctx, const std::vector<PluralKind>& k
         if (kind.source == &kDepartments) names.AddName(kVoicemail);
     }
     ReportEntity all = names.Run(AllOf(kinds));
-    if (all.restricted) all.name += " you may see";
+    if (all.restricted) all.name += kPermitted;
     return all;
 }
 
@@ -224,6 +226,7 @@ ReportEntity GetInboxEntity(PortalContext& ctx, const UString& id, const UString
     }
     if (ids.empty() && !all) return Refused("No permission for inbox");
     if (ids.empty()) inbox.name = "All Inboxes";
+    if (all && restricted) inbox.name += kPermitted;
     inbox.condition = inbox.subquery = NameListCondition(ids);
     inbox.restricted = restricted;
     inbox.chosen = !all;

@@ -5,16 +5,15 @@
 
 namespace {
 
-// value / divisor as a decimal, half away from zero. The integer part is divided off first, so that
-// the scaling cannot overflow.
-ReportDecimal Quotient(ReportInteger value, ReportInteger divisor) {
+// value / divisor in parts of 1 / scale, half away from zero. The integer part is divided off
+// first, so that the scaling cannot overflow.
+ReportInteger Quotient(ReportInteger value, ReportInteger divisor, int scale) {
     const bool negative = (value < 0) != (divisor < 0);
     if (value < 0) value = -value;
     if (divisor < 0) divisor = -divisor;
-    const ReportInteger rest = value % divisor * ReportDecimal::kScale;
-    const ReportInteger units =
-        value / divisor * ReportDecimal::kScale + (rest + divisor / 2) / divisor;
-    return {negative ? -units : units};
+    const ReportInteger rest = value % divisor * scale;
+    const ReportInteger parts = value / divisor * scale + (rest + divisor / 2) / divisor;
+    return negative ? -parts : parts;
 }
 
 }  // namespace
@@ -98,5 +97,8 @@ void ReportTotals::Append(std::string& out, int column, ReportStyle style) const
         return;
     }
     const int factor = total.kind == kPercent ? 100 : 1;
-    AppendReportDecimal(out, style, Quotient(sums_[total.value].value.units * factor, divisor));
+    // Numbers are shown with all their decimals, of which an average has one.
+    const int scale = style == ReportStyle::kNumber ? 10 : ReportDecimal::kScale;
+    const ReportInteger parts = Quotient(sums_[total.value].value.units * factor, divisor, scale);
+    AppendReportDecimal(out, style, {parts * (ReportDecimal::kScale / scale)});
 }
