@@ -9,7 +9,7 @@
 -- opt_ddi: 1
 -- help: Answered, voicemail, passed on and abandoned are the four ways in which an inbound call can end where it was first dialled; together they are the calls. Passed on: diverted before the telephone rang. Abandoned: the caller hung up before anybody, or the voicemail, answered. Each % is of the calls to the number.
 -- help: Transferred % is the answered calls that were then transferred to somebody else / answered calls x 100.
--- help: Wait is the ring time of the answered calls / answered calls, talk the talk time of the answered calls, without the legs after a transfer, / answered calls.
+-- help: Average wait is the ring time of the answered calls / answered calls.
 --
 -- Only the number and the party dialled are named and counted, and B_Name carries [entity]; neither
 -- the caller nor the one who answered is shown.
@@ -23,14 +23,11 @@ SELECT ddi, MAX(destination) AS destination,
     SUM(IF(outcome = 'voicemail', legs, 0)) AS voicemail,
     ROUND(100 * SUM(IF(outcome = 'voicemail', legs, 0)) / SUM(legs), 1) AS voicemailpct,
     SUM(IF(outcome = 'passedon', legs, 0)) AS passedon,
-    ROUND(100 * SUM(IF(outcome = 'passedon', legs, 0)) / SUM(legs), 1) AS passedonpct,
     SUM(IF(outcome = 'abandoned', legs, 0)) AS abandoned,
     ROUND(100 * SUM(IF(outcome = 'abandoned', legs, 0)) / SUM(legs), 1) AS abandonedpct,
     SUM(IF(outcome IN ('answered', 'transferred'), rings, 0)) AS wait,
     ROUND(SUM(IF(outcome IN ('answered', 'transferred'), rings, 0))
         / NULLIF(SUM(IF(outcome IN ('answered', 'transferred'), legs, 0)), 0)) AS avgwait,
-    SUM(talk) AS talk,
-    ROUND(SUM(talk) / NULLIF(SUM(IF(outcome IN ('answered', 'transferred'), legs, 0)), 0)) AS avgtalk,
     SUM(legs) AS n_calls
 FROM (
     SELECT customerid, targetNumber AS ddi, MAX(B_Name) AS destination,
@@ -38,7 +35,7 @@ FROM (
             WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
             WHEN transfercall = 1 AND callduration < 2 THEN 'passedon'
             ELSE 'abandoned' END AS outcome,
-        COUNT(*) AS legs, SUM(callduration - callconnected) AS rings, SUM(callconnected) AS talk
+        COUNT(*) AS legs, SUM(callduration - callconnected) AS rings
     FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)

@@ -9,7 +9,7 @@
 -- help: Offered = answered + voicemail + abandoned: the calls from outside that reached the queue. Calls that were diverted before a telephone rang are left out. % is abandoned / offered x 100.
 -- help: Service level is the share of calls answered in time, that is, within the target, in the three usual ways: of answered = in time / answered x 100; of offered = in time / offered x 100; less short = in time / (offered - short) x 100.
 -- help: Short are abandoned calls whose callers hung up after no more than the seconds of "Duration longer than", or 5 when that is empty: too soon for anybody to answer.
--- help: Average wait is the waiting time of the answered calls / answered calls, also known as the average speed of answer; longest wait is that of any call that did not end at voicemail. Waiting runs from the first ring.
+-- help: Average wait is the waiting time of the answered calls / answered calls, also known as the average speed of answer. Waiting runs from the first ring.
 --
 -- Only queues are named and counted, and B_Name carries [entity]; neither the caller nor the agent
 -- is shown.
@@ -31,7 +31,6 @@ SELECT queue,
     SUM(IF(outcome IN ('intime', 'late'), waits, 0)) AS wait,
     ROUND(SUM(IF(outcome IN ('intime', 'late'), waits, 0))
         / NULLIF(SUM(IF(outcome IN ('intime', 'late'), legs, 0)), 0)) AS speed,
-    MAX(IF(outcome = 'voicemail', NULL, longest)) AS longestwait,
     SUM(legs) AS n_calls
 FROM (
     SELECT customerid, B_Name AS queue,
@@ -41,8 +40,7 @@ FROM (
             WHEN B_Remote LIKE '!LeaveVoicemail%' THEN 'voicemail'
             WHEN callduration <= IF([timeLimit] < 0, 5, [timeLimit]) THEN 'short'
             ELSE 'abandoned' END AS outcome,
-        COUNT(*) AS legs, SUM(callduration - callconnected) AS waits,
-        MAX(callduration - callconnected) AS longest
+        COUNT(*) AS legs, SUM(callduration - callconnected) AS waits
     FROM CallLog FORCE INDEX (PRIMARY)
     WHERE customerid IN('[customerSearchGroup]') AND gmtdatetime [date]
         AND TIME(gmtdatetime) [time] AND transfercall IN (0, 1)

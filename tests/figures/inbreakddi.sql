@@ -11,12 +11,10 @@ SELECT targetNumber AS ddi, MAX(cn) AS destination, COUNT(*) AS inbound,
     COUNT(IF(outcome = 'voicemail', 1, NULL)) AS voicemail,
     ROUND(100 * AVG(outcome = 'voicemail'), 1) AS voicemailpct,
     COUNT(IF(outcome = 'passedon', 1, NULL)) AS passedon,
-    ROUND(100 * AVG(outcome = 'passedon'), 1) AS passedonpct,
     COUNT(IF(outcome = 'abandoned', 1, NULL)) AS abandoned,
     ROUND(100 * AVG(outcome = 'abandoned'), 1) AS abandonedpct,
     IFNULL(SUM(IF(outcome = 'answered', ringing, NULL)), 0) AS wait,
-    ROUND(AVG(IF(outcome = 'answered', ringing, NULL))) AS avgwait,
-    SUM(callconnected) AS talk, ROUND(AVG(IF(outcome = 'answered', callconnected, NULL))) AS avgtalk
+    ROUND(AVG(IF(outcome = 'answered', ringing, NULL))) AS avgwait
 FROM destination INNER JOIN Leg ON B_Num = telephoneNumber AND kind = 'inbound'
 WHERE targetNumber IS NOT NULL
 GROUP BY targetNumber

@@ -13,7 +13,6 @@ SELECT queueName AS queue, COUNT(*) AS offered,
     COUNT(IF(outcome = 'abandoned' AND callduration < 6, NULL, 1)) AS counted,
     IFNULL(SUM(IF(outcome = 'answered', ringing, NULL)), 0) AS wait,
     ROUND(AVG(IF(outcome = 'answered', ringing, NULL))) AS speed,
-    MAX(IF(outcome <> 'voicemail', ringing, NULL)) AS longestwait,
     COUNT(*) AS n_calls
 FROM CallCentreQueue AS q INNER JOIN Leg ON B_Num = queueNumber AND kind = 'inbound'
 WHERE q.customerid = @customer AND outcome <> 'passedon'
