@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "cgiFramework/JSONPage.h"
+#include "common/Parse.h"
 #include "kernel/OSConsole.h"
 
 namespace {
@@ -13,10 +14,6 @@ constexpr char kBraces[] = "JSON String did Not Parse ({})";
 constexpr char kBrackets[] = "JSON String did Not Parse ([])";
 constexpr char kQuotes[] = "JSON String did Not Parse (\")";
 constexpr int kDeepest = 512;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 bool IsSpace(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';

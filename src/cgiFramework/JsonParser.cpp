@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cgiFramework/JsonObj.h"
+#include "common/Parse.h"
 
 namespace {
 
@@ -15,10 +16,6 @@ constexpr size_t kMostValues = 2'000'000;
 
 bool StartsWith(const char* text, const char* word) {
     return strncmp(text, word, strlen(word)) == 0;
-}
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 // What a backslash and `c` stand for in a string; 0 when they stand for nothing.

@@ -271,6 +271,11 @@ const WebArgument* WebContext::FindWebArgument(const char* name) const {
     return found != by_name_.end() ? found->second : nullptr;
 }
 
+const char* WebContext::ArgumentText(const char* name) const {
+    const WebArgument* argument = FindWebArgument(name);
+    return argument != nullptr ? argument->Text() : "";
+}
+
 bool WebContext::HasWebArgument(const char* name) const {
     return FindWebArgument(name) != nullptr;
 }
@@ -331,8 +336,7 @@ bool WebContext::IsSameArgument(const char* name, const char* url) {
     const size_t nameLength = strlen(name);
     for (const char* p = query; *p != '\0'; p = skipNextSep(p, '&')) {
         if (strncasecmp(p, name, nameLength) != 0 || p[nameLength] != '=') continue;
-        const WebArgument* argument = FindWebArgument(name);
-        const char* value = argument != nullptr ? argument->value.c_str() : "";
+        const char* value = ArgumentText(name);
         const size_t length = strlen(value);
         const char* text = p + nameLength + 1;
         return strncmp(text, value, length) == 0 && (text[length] == '&' || text[length] == '\0');

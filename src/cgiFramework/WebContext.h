@@ -125,6 +125,10 @@ class WebContext {
     bool HasWebArgument(const char* name) const;
     // The argument, or null; creates nothing.
     const WebArgument* FindWebArgument(const char* name) const;
+    // The argument's text, else ""; creates nothing.
+    const char* ArgumentText(const char* name) const;
+    // Is the argument there and not empty?
+    bool IsArgumentGiven(const char* name) const { return *ArgumentText(name) != '\0'; }
     // The text of a setting (from the settings file only: never the browser's), or `def`.
     const char* GetSetting(const char* name, const char* def = "") const;
     void SetWebArgument(const char* name, const char* value);

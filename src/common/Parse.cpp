@@ -6,10 +6,6 @@
 
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 // True when `text` has the form of `shape`, in which '0' stands for any digit.
 bool HasShape(const char* text, std::string_view shape) {
     if (text == nullptr || std::strlen(text) != shape.size()) return false;

@@ -4,17 +4,13 @@
 #include <memory>
 #include <string>
 
+#include "common/Parse.h"
 #include "common/UStringX.h"
 
 namespace {
 
 bool IsSpace(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-// ASCII only, whatever the locale.
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 bool IsLetter(char c) {

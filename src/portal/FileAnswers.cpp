@@ -22,11 +22,6 @@ constexpr int kPdfSeconds = 60;
 constexpr char kChartFolder[] = "/Norvane/sessions/charts";
 constexpr size_t kBlock = 8192;
 
-const char* Argument(const WebContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 bool IsFileName(const char* name) {
     return *name != '\0' && *name != '.' && strchr(name, '/') == nullptr;
 }
@@ -91,7 +86,7 @@ std::string ChartText(const char* name) {
 
 WebItem* BuildPdf(ManagerContext& ctx) {
     CleanupDir(kPdfFolder, ".pdf", kPdfSeconds);
-    const char* name = Argument(ctx, "index");
+    const char* name = ctx.ArgumentText("index");
     if (*name != '\0') SendPdf(name);
     return nullptr;
 }
@@ -109,7 +104,7 @@ bool IsOwnChart(const char* name, const UString& sessionId) {
 
 WebItem* BuildJsonChart(ManagerContext& ctx) {
     auto page = std::make_unique<FilePage>();
-    const char* name = Argument(ctx, "id");
+    const char* name = ctx.ArgumentText("id");
     page->SetDisplayName(name);
     if (IsOwnChart(name, ctx.session_id)) page->SetStringContent(ChartText(name).c_str());
     return page.release();

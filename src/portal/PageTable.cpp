@@ -99,8 +99,7 @@ WebItem* Build(ManagerContext& ctx) {
 
 // A posted "Update" shows the list again, whoever sent it.
 bool IsUpdate(ManagerContext& ctx) {
-    const WebArgument* submit = ctx.FindWebArgument("submit");
-    return submit != nullptr && *submit == "Update";
+    return strcmp(ctx.ArgumentText("submit"), "Update") == 0;
 }
 
 // The menu goes by the rights that the session keeps: the page itself asks the database.

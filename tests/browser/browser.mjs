@@ -9,6 +9,9 @@ import { account, env } from '../http/portal.mjs';
 const kAxe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 const kSevere = ['serious', 'critical'];
 
+/** A telephone, as options of a browser context. */
+export const kPhone = { viewport: { width: 360, height: 740 }, hasTouch: true, isMobile: true };
+
 /** Starts the browser; the caller closes it. */
 export function launch() {
     return chromium.launch({

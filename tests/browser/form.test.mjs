@@ -3,18 +3,17 @@
 import assert from 'node:assert/strict';
 import test, { after, before } from 'node:test';
 import { sql } from '../http/portal.mjs';
-import { assertAccessible, assertFits, launch, open, withPage } from './browser.mjs';
+import { assertAccessible, assertFits, kPhone, launch, open, withPage } from './browser.mjs';
 
 const kReport = 'test.form';
 const kSwitches = ['user', 'department', 'group', 'company', 'contact', 'agent', 'queue', 'inbox', 'outdept',
     'second_for_field', 'tag', 'account', 'time_limit', 'trunkgroup', 'trunk', 'in_out', 'sla', 'int_ext', 'ddi']
     .map((name) => `opt_${name}`);
-const kPhone = { viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true };
 const kMandatory = 'This field is mandatory';
 const kNoContact = 'You must specify at least one contact for this report.';
 const kTag = '50% off & <b>"more"</b>';
 
-const remove = () => sql(`DELETE FROM CallReport WHERE pagename = '${kReport}'; DELETE FROM CallCentreSLAs WHERE
+const remove = () => sql(`DELETE FROM CallReport WHERE pagename = '${kReport}'; DELETE FROM FrontSLAs WHERE
     name = 'Form SLA'; DELETE FROM FrontTag WHERE name = '${kTag}'`);
 
 let browser;
@@ -23,7 +22,7 @@ before(async () => {
     sql(`INSERT INTO CallReport (pagename, name, category, hidden, format, SQLQuery, reportFile, ${kSwitches})
         SELECT '${kReport}', 'Every Criterion', 2, 1, 'mandatory', SQLQuery, reportFile, ${kSwitches.map(() => 1)}
         FROM CallReport WHERE pagename = 'callsbyuser';
-        INSERT INTO CallCentreSLAs (customerid, name) VALUES (1, 'Form SLA');
+        INSERT INTO FrontSLAs (customerid, name, responseSLA) VALUES (1, 'Form SLA', 60);
         INSERT INTO FrontTag (id, customerid, name) VALUES ('test.form', 1, '${kTag}')`);
     browser = await launch();
 });

@@ -4,9 +4,8 @@
 import assert from 'node:assert/strict';
 import test, { after, afterEach, before } from 'node:test';
 import { sql } from '../http/portal.mjs';
-import { assertAccessible, assertFits, launch, open, withPage } from './browser.mjs';
+import { assertAccessible, assertFits, kPhone, launch, open, withPage } from './browser.mjs';
 
-const kPhone = { viewport: { width: 360, height: 740 }, hasTouch: true, isMobile: true };
 
 let browser;
 before(async () => {

@@ -4,9 +4,8 @@ import assert from 'node:assert/strict';
 import test, { after, before } from 'node:test';
 import { catalogue, figures, onOneDay, periods, shown, zoneOf } from '../figures/report.mjs';
 import { account, runCgi } from '../http/portal.mjs';
-import { assertAccessible, assertFits, launch, open, withPage } from './browser.mjs';
+import { assertAccessible, assertFits, kPhone, launch, open, withPage } from './browser.mjs';
 
-const kPhone = { viewport: { width: 360, height: 740 }, hasTouch: true, isMobile: true };
 const callsByUser = catalogue.find(({ name }) => name === 'callsbyuser');
 const zone = zoneOf('manager');
 

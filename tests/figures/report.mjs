@@ -65,6 +65,9 @@ export function mainOf(html) {
     return html.slice(html.indexOf('<main'), html.indexOf('</main>'));
 }
 
+/** The heading of a page. */
+export const headingOf = (html) => textOf(html.match(/<h1>(.*?)<\/h1>/)?.[1] ?? '');
+
 const all = (html, pattern) => [...html.matchAll(pattern)].map(([, text]) => textOf(text));
 const cells = (row) => all(row, /<t[dh][^>]*>(.*?)<\/t[dh]>/g);
 
@@ -170,15 +173,18 @@ const kKinds = {
     queue: { table: 'CallCentreQueue', name: 'queueName', number: 'queueNumber', type: 'Department', right: 'queue' },
     agent: { table: 'CallCentreAgent', name: 'agentName', number: 'agentNumber', type: 'User', right: 'agent' },
     inbox: { table: 'FrontInbox', name: 'name', number: 'id', type: 'Inbox', right: 'logging' },
+    teammate: { table: 'FrontTeammate', name: "CONCAT(firstName, ' ', lastName)", number: 'id', type: 'Teammate',
+        right: 'logging' },
 };
 
 /** The entries of the directory, { kind, name, number }, that a restricted user of customer 1 may see and a
  * report counts, which it does by the kinds that it offers, or else by users and departments. */
 export function permittedTo(user, offers) {
-    const offered = Object.keys(kKinds).filter((kind) => offers[kind]);
+    // An inbox is answered by teammates.
+    const offered = Object.keys(kKinds).filter((kind) => offers[kind === 'teammate' ? 'inbox' : kind]);
     return (offered.length > 0 ? offered : ['user', 'department']).flatMap((kind) => {
         const { table, name, number, type, right } = kKinds[kind];
-        return sql(`SELECT '${kind}' AS kind, ${name} AS name, ${number} AS number FROM ${table} AS d
+        return sql(`SELECT '${kind}' AS kind, ${name} AS name, d.${number} AS number FROM ${table} AS d
             INNER JOIN CallLogPermissions AS p ON p.entityNumber = d.${number} AND p.customerid = d.customerid
                 AND p.type = '${type}' AND p.${right} = 1
                 AND p.contactid = (SELECT id FROM CustomerContact WHERE username = '${user}')
@@ -227,6 +233,7 @@ export async function figures(report, { first, last, zone, customer = 1, legs = 
         'SET div_precision_increment = 12;',
         `SET time_zone = '${zone}', @customer = ${customer}, @begins = '${hours[0]}', @ends = '${hours[1]}';`,
         `SET @from = ${utc(first)}, @to = ${utc(shift(last, 1))};`,
+        `SET @restricted = ${entities !== undefined};`,
         report.variables,
         ...(entities ? smallDirectory(entities) : []),
         counted !== 'TRUE' && uses('CallLog', 'Part', 'Busy') ? smallLog(counted) : '',

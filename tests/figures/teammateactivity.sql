@@ -3,7 +3,7 @@ WITH teammate AS (
     SELECT id, CONCAT(firstName, ' ', lastName) AS name FROM FrontTeammate WHERE customerid = @customer
     UNION ALL
     SELECT DISTINCT author, 'Former teammate' FROM Message
-    WHERE author <> '' AND author NOT IN (SELECT id FROM FrontTeammate)
+    WHERE NOT @restricted AND author <> '' AND author NOT IN (SELECT id FROM FrontTeammate)
 ), answer AS (
     SELECT answerer, COUNT(*) AS answers, SUM(response) AS responses, MIN(response) AS shortest,
         MAX(response) AS longest

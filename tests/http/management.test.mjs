@@ -5,7 +5,7 @@ import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { readFileSync, statSync, writeFileSync } from 'node:fs';
 import test, { afterEach, before } from 'node:test';
-import { mainOf, textOf } from '../figures/report.mjs';
+import { headingOf, mainOf, textOf } from '../figures/report.mjs';
 import { account, env, get, sql } from './portal.mjs';
 
 const kTwo = { user: 'manager2', host: 'two.localhost' };
@@ -17,7 +17,6 @@ const kHostile = 'Zz & <b>"\'%s%n</b> \\ Áine';
 const alertOf = (html) => textOf(html.match(/role="alert"[^>]*>(.*?)<\/(?:p|div|span)>/s)?.[1] ?? '');
 const fieldErrors = (html) =>
     [...html.matchAll(/class="fieldError"[^>]*>(.*?)<\/span>/g)].map(([, text]) => textOf(text));
-const headingOf = (html) => textOf(html.match(/<h1>(.*?)<\/h1>/)?.[1] ?? '');
 const sentOn = (html) => textOf(html.match(/http-equiv=refresh content="0;url= ([^"]*)"/)?.[1] ?? '');
 const rowsOf = (html) =>
     [...mainOf(html).matchAll(/<tr class="(?:odd|even)row">(.*?)<\/tr>/gs)].map(([, row]) =>

@@ -319,7 +319,6 @@ test('no value and no name of an argument becomes markup, an attribute or a head
         'field',
         'timeLimit',
         'print',
-        'csv',
         'wallboard',
         'history',
         'invalidSessionId',
@@ -355,6 +354,9 @@ test('no value and no name of an argument becomes markup, an attribute or a head
                     `${what}, kept`,
                 );
         }
+        const file = await get({ ...kRun, csv: value, reportPeriod: '90days', userfilter: value });
+        assert.equal(file.headers['x-planted'], undefined, value);
+        assert.match(file.headers['content-type'], /^text\/csv/, value);
         assertClean(
             await get({ pagename: 'manager.logout' }, { cookies: { sessionId: encodeURIComponent(value) } }),
             'cookie',

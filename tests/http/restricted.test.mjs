@@ -58,12 +58,33 @@ test('the demo has somebody to hide, and no report names them', async () => {
         ['R&D <Labs>', 'Support'],
     );
     assert.ok(permitted.length > 10 && others.length > 100);
-    // Who answers in a shared inbox is for permissions of another type, which this user has none of.
+    // Who answers in a shared inbox is for permissions of another type.
     for (const report of catalogue.filter(({ offers }) => !offers.inbox)) {
         const page = await runReport(report.name, { ...report.arguments, reportPeriod: '90days' }, kUser);
         assert.deepEqual(page.warnings, [], report.name);
         assertTellsNothing(page.html, report.name);
     }
+});
+
+test('messages are those of the permitted inbox, and nobody is named but the permitted teammates', async () => {
+    const mine = permittedTo('restricted', { inbox: true });
+    assert.deepEqual(mine.map(({ kind }) => kind), ['inbox', 'teammate', 'teammate']);
+    const hidden = sql(`SELECT id, name FROM FrontInbox WHERE customerid = 1 UNION ALL
+        SELECT id, CONCAT(firstName, ' ', lastName) FROM FrontTeammate WHERE customerid = 1`).filter(
+        ({ id }) => !mine.some(({ number }) => number === id),
+    );
+    assert.ok(hidden.length > 5);
+    for (const report of catalogue.filter(({ offers }) => offers.inbox)) {
+        const run = { ...report.arguments, reportPeriod: '90days' };
+        const page = await runReport(report.name, run, kUser);
+        assert.deepEqual(page.warnings, [], report.name);
+        assert.ok(page.rows.length > 0, report.name);
+        const text = textOf(mainOf(page.html));
+        for (const { name } of hidden) assert.ok(!text.includes(name), `${report.name} shows ${name}`);
+    }
+    const activity = await runReport('teammateactivity', { reportPeriod: '90days' }, kUser);
+    const teammates = mine.filter(({ kind }) => kind === 'teammate').map(({ name }) => name);
+    assert.deepEqual(activity.rows.map(([name]) => name), teammates);
 });
 
 for (const report of examples) {

@@ -5,6 +5,7 @@ import assert from 'node:assert/strict';
 import { rmSync, writeFileSync } from 'node:fs';
 import { after, before, describe, test } from 'node:test';
 import { inflateRawSync } from 'node:zlib';
+import { textOf } from '../figures/report.mjs';
 import { env, get, sql } from './portal.mjs';
 
 const kReports = `${env.ROOT}/Norvane/config/reports`;
@@ -58,10 +59,8 @@ const run = (report, more = {}) =>
 
 // ---- reading each form
 
-const kEntities = { amp: '&', lt: '<', gt: '>', quot: '"', '#39': "'" };
-const plain = (html) => html.replace(/<[^>]*>/g, '').replace(/&(amp|lt|gt|quot|#39);/g, (_, name) => kEntities[name]);
 const part = (html, element) => html.match(new RegExp(`<${element}>(.*?)</${element}>`, 's'))?.[1] ?? '';
-const rowsOf = (html) => [...html.matchAll(/<tr[^>]*>(.*?)<\/tr>/gs)].map(([, row]) => [...row.matchAll(/<t[dh][^>]*>(.*?)<\/t[dh]>/gs)].map(([, cell]) => plain(cell)));
+const rowsOf = (html) => [...html.matchAll(/<tr[^>]*>(.*?)<\/tr>/gs)].map(([, row]) => [...row.matchAll(/<t[dh][^>]*>(.*?)<\/t[dh]>/gs)].map(([, cell]) => textOf(cell)));
 const figures = (html) => rowsOf(part(html, 'tbody')).filter((row) => row.length > 1 && row[0] !== 'Total');
 
 function readCsv(text) {
@@ -92,7 +91,7 @@ function readSheet(xml, columns) {
     return [...xml.matchAll(/<row [^>]*>(.*?)<\/row>/gs)].map(([, row]) => {
         const cells = Array(columns).fill(null);
         for (const [, letter, text, number] of row.matchAll(/<c r="([A-Z])\d+"[^>]*>(?:<is><t[^>]*>(.*?)<\/t><\/is>|<v>(.*?)<\/v>)<\/c>/gs))
-            cells[letter.charCodeAt(0) - 65] = text === undefined ? Number(number) : plain(text).replace(/_x000D_/g, '\r');
+            cells[letter.charCodeAt(0) - 65] = text === undefined ? Number(number) : textOf(text).replace(/_x000D_/g, '\r');
         return cells;
     });
 }
@@ -181,7 +180,7 @@ describe('a result of every kind of value', () => {
 
     test('leads from its cells to what is behind them, escaped', async () => {
         const { text } = await run('result_plain', { reportPeriod: 'custom', startDate: '2026-03-01', endDate: '2026-03-31' });
-        const links = [...part(text, 'tbody').matchAll(/<a href="([^"]*)">(.*?)<\/a>/gs)].map(([, url, shown]) => [new URL(plain(url), 'http://x').searchParams, plain(shown)]);
+        const links = [...part(text, 'tbody').matchAll(/<a href="([^"]*)">(.*?)<\/a>/gs)].map(([, url, shown]) => [new URL(textOf(url), 'http://x').searchParams, textOf(shown)]);
         // Nothing is behind a zero or a missing figure.
         assert.deepEqual(links.map(([, shown]) => shown), [kShown[0][1], '12', kShown[1][1], '3', kShown[2][1], kShown[3][1]]);
         const [about] = links.at(-1);
@@ -196,11 +195,11 @@ test('pages and orders keep the totals; hostile arguments count for nothing', as
     assert.deepEqual([figures(first).length, rowsOf(part(first, 'tfoot'))], [500, total]);
     assert.match(first, /<div class="rowCount">Rows 1-500 of 1,200<\/div>/);
     // The heading's own link, and the page's, lead to the largest first.
-    const down = plain(part(first, 'thead').match(/<a href="([^"]*)">Down<\/a>/)[1]);
+    const down = textOf(part(first, 'thead').match(/<a href="([^"]*)">Down<\/a>/)[1]);
     const sorted = (await get(`${down}&wait=1`)).text;
     assert.equal(figures(sorted)[0][1], '1200');
     assert.match(sorted, /<th scope="col" class="number" aria-sort="descending">/);
-    const last = (await get(`${plain(sorted.match(/<a href="([^"]*)">Last<\/a>/)[1])}&wait=1`)).text;
+    const last = (await get(`${textOf(sorted.match(/<a href="([^"]*)">Last<\/a>/)[1])}&wait=1`)).text;
     assert.deepEqual([figures(last).length, figures(last).at(-1), rowsOf(part(last, 'tfoot'))], [200, ['1200', '1'], total]);
     assert.match(last, /Rows 1,001-1,200 of 1,200/);
     assert.equal(figures((await run('result_pages', { rows: 'all', page: '7' })).text).length, 1200);

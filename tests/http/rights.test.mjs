@@ -2,17 +2,15 @@
 
 import assert from 'node:assert/strict';
 import test, { after, before } from 'node:test';
-import { catalogue, mainOf, runReport, shown, textOf } from '../figures/report.mjs';
+import { catalogue, headingOf, mainOf, runReport, shown, textOf } from '../figures/report.mjs';
 import { env, get, sql } from './portal.mjs';
 
 const kNoRights = 'Sorry you do not have rights for this';
 const kNotConfigurer = 'Sorry you do not have Configure Call Centre assigned security';
 const kUnknownUser = 'Your user name is not known to this portal.';
 
-// The text of a page's alert, and its heading.
+// The text of a page's alert.
 const alertOf = (html) => textOf(html.match(/role="alert">(.*?)<\/(?:p|div)>/)?.[1] ?? '');
-const headingOf = (html) => textOf(html.match(/<h1>(.*?)<\/h1>/)?.[1] ?? '');
-
 const menuOf = (html) =>
     [
         ...(html.match(/<nav class="mainMenu".*?<\/nav>/s)?.[0] ?? '').matchAll(/href="([^"]*)"[^>]*>(.*?)<\/a>/g),

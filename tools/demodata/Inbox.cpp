@@ -65,21 +65,6 @@ const InboxPlan* PickInbox(int company, Random& random) {
     return last;
 }
 
-// Every fourth agent answers mail too.
-std::vector<const Person*> Teammates(const Company& company) {
-    std::vector<const Person*> result;
-    const bool hasInbox = std::any_of(std::begin(kInboxes), std::end(kInboxes),
-                                      [&](const InboxPlan& i) { return i.company == company.id; });
-    if (!hasInbox) return result;
-    for (const Person& person : company.people)
-        if (person.agentId % 4 == 1) result.push_back(&person);
-    return result;
-}
-
-std::string TeammateId(const Person& person) {
-    return "tea_" + std::to_string(person.agentId);
-}
-
 // Nobody answers at night or on a Sunday: the answer comes soon after the desk opens.
 int64_t InOfficeHours(int64_t time, Random& random) {
     int64_t day = time / kDay;
@@ -188,6 +173,21 @@ std::vector<Tagged> WriteConversations(const Company& company, const InboxOption
 }
 
 }  // namespace
+
+// Every fourth agent answers mail too.
+std::vector<const Person*> Teammates(const Company& company) {
+    std::vector<const Person*> result;
+    const bool hasInbox = std::any_of(std::begin(kInboxes), std::end(kInboxes),
+                                      [&](const InboxPlan& i) { return i.company == company.id; });
+    if (!hasInbox) return result;
+    for (const Person& person : company.people)
+        if (person.agentId % 4 == 1) result.push_back(&person);
+    return result;
+}
+
+std::string TeammateId(const Person& person) {
+    return "tea_" + std::to_string(person.agentId);
+}
 
 void WriteInbox(const std::vector<Company>& companies, const InboxOptions& options,
                 TableSet& tables) {

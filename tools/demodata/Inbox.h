@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "tools/demodata/Company.h"
@@ -16,6 +17,10 @@ struct InboxOptions {
     int64_t lastDay;
     int64_t now;  // seconds since 1970-01-01; later messages are left out
 };
+
+// Who answers messages, and the id that such a person has there.
+std::vector<const Person*> Teammates(const Company& company);
+std::string TeammateId(const Person& person);
 
 void WriteInbox(const std::vector<Company>& companies, const InboxOptions& options,
                 TableSet& tables);

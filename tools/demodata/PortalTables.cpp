@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "tools/demodata/Inbox.h"
 #include "tools/demodata/Users.h"
 
 namespace demodata {
@@ -111,6 +112,9 @@ void WritePermissions(const Company& company, TableSet& tables) {
                          }
                      }
                      add(restricted, "Inbox", kRestrictedInbox, {1, 0, 0});
+                     const std::vector<const Person*> teammates = Teammates(company);
+                     for (size_t i = 0; i < kRestrictedTeammates; ++i)
+                         add(restricted, "Teammate", TeammateId(*teammates.at(i)), {1, 0, 0});
                  });
 }
 

@@ -28,5 +28,7 @@ extern const std::array<const char*, 2> kRestrictedDepartments;
 extern const std::array<const char*, 2> kSupervisedQueues;
 // The id of the one inbox that `restricted` may see.
 extern const char kRestrictedInbox[];
+// How many of its company's teammates `restricted` may see.
+constexpr size_t kRestrictedTeammates = 2;
 
 }  // namespace demodata

@@ -45,7 +45,9 @@ document.addEventListener("DOMContentLoaded", () => {
     async function follow(link) {
         const report = link.closest(".reportListRow").querySelector("a").getAttribute("href");
         const words = document.getElementById("reportSearch").value;
-        const answer = await fetch(link.href, { credentials: "same-origin" });
+        // An address with a password in it, such as the page's own may be, cannot be fetched.
+        const address = new URL(link.getAttribute("href"), location.origin + location.pathname);
+        const answer = await fetch(address, { credentials: "same-origin" });
         const page = new DOMParser().parseFromString(await answer.text(), "text/html");
         const fresh = page.getElementById("catalogue");
         // What has to be told is shown by the page itself.

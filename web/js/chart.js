@@ -434,7 +434,9 @@
         const target = figure.querySelector("div[id]");
         try {
             if (!figure.dataset.chart) throw new Error("no file");
-            const answer = await fetch(figure.dataset.chart);
+            // An address with a password in it, such as the page's own may be, cannot be fetched.
+            const page = location.origin + location.pathname;
+            const answer = await fetch(new URL(figure.dataset.chart, page));
             if (!answer.ok) throw new Error(answer.statusText);
             const chart = readDescription(await answer.json());
             if (chart.series.length === 0) throw new Error("no series");

@@ -14,7 +14,9 @@ document.addEventListener("DOMContentLoaded", async () => {
     });
 
     const ask = async () => {
-        const answer = await fetch(`${form.dataset.url}&progress=1`);
+        // An address with a password in it, such as the page's own may be, cannot be fetched.
+        const page = location.origin + location.pathname;
+        const answer = await fetch(new URL(`${form.dataset.url}&progress=1`, page));
         if (!answer.ok) throw new Error(answer.statusText);
         return answer.json();
     };

@@ -217,6 +217,7 @@ void PortalContext::ForgetIdentity() {
     RemoveWebSessionVars(kIdentityPrefix);
     RemoveWebSessionVars("isSuperVisor");
     RemoveWebSessionVars("vFilter.");
+    RemoveWebSessionVars("lastReportRun");
     RemoveWebSessionVars("_page");
 }
 

@@ -1,5 +1,6 @@
 #include "portal/report/LumoraReport.h"
 
+#include <string_view>
 #include <utility>
 
 #include "cgiFramework/QueryTiming.h"
@@ -81,16 +82,17 @@ LumoraReport::~LumoraReport() = default;
 
 void LumoraReport::AddHeader(const UString& name, const LumoraReportQuery& query,
                              const UString& filteredOn, const std::string& row) {
-    criteria_ = {{"Report", name.c_str()},
-                 {"For", Trimmed(query.GetEntityName())},
-                 {"Dates", Trimmed(query.GetDateTitle())},
-                 {"Time Filter", Trimmed(query.GetTimeTitle())},
-                 {"Filtered on", Trimmed(filteredOn)},
-                 {"Row", row}};
-    std::erase_if(criteria_, [](const ReportCriterion& about) { return about.value.empty(); });
-
+    const std::pair<std::string_view, UString> lines[] = {{"Report", name},
+                                                          {"For", query.GetEntityName()},
+                                                          {"Dates", query.GetDateTitle()},
+                                                          {"Time Filter", query.GetTimeTitle()},
+                                                          {"Filtered on", filteredOn},
+                                                          {"Row", row.c_str()}};
     WebItem& header = Adopt(new WebDiv("class=\"reportHeader\""));
-    for (const auto& [label, value] : criteria_) {
+    for (const auto& [label, value] : lines) {
+        const std::string told = Trimmed(value);
+        if (told.empty()) continue;
+        criteria_.push_back({label.data(), told});
         const UString html = HtmlText(value.c_str());
         const char* text = html.c_str();
         if (label == "Report")

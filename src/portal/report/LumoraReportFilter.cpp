@@ -164,12 +164,6 @@ constexpr EntityKind kSecondEntityKinds[] = {
     {"group", "Reporting Groups", kSecond, &Filter::group2, "2groupTick"},
 };
 
-// The argument's text; asking creates no argument.
-const char* Argument(PortalContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 void AppendPart(UString& header, const char* part) {
     if (*part == '\0') return;
     if (!header.IsEmpty()) header += " / ";
@@ -276,29 +270,29 @@ void LumoraReportFilter::ReadArguments(PortalContext& ctx) {
     ReadEntity(ctx);
     ReadSecondEntity(ctx);
     for (const NamedText& entry : kArguments)
-        this->*entry.text = Argument(ctx, entry.name);
+        this->*entry.text = ctx.ArgumentText(entry.name);
     if (timeLimit.IsEmpty()) timeLimit = "-1";
-    graphonly = *Argument(ctx, "graphonly") != '\0';
-    tableonly = *Argument(ctx, "tableonly") != '\0';
+    graphonly = *ctx.ArgumentText("graphonly") != '\0';
+    tableonly = *ctx.ArgumentText("tableonly") != '\0';
 }
 
 void LumoraReportFilter::ReadEntity(PortalContext& ctx) {
-    const char* kind = Argument(ctx, "searchtype");
+    const char* kind = ctx.ArgumentText("searchtype");
     if (*kind == '\0') {
         for (const NamedText& entry : kEntityArguments)
-            this->*entry.text = Argument(ctx, entry.name);
+            this->*entry.text = ctx.ArgumentText(entry.name);
         return;
     }
     for (const NamedText& entry : kSearchTypes)
-        if (strcmp(kind, entry.name) == 0) this->*entry.text = Argument(ctx, "suggest1");
+        if (strcmp(kind, entry.name) == 0) this->*entry.text = ctx.ArgumentText("suggest1");
 }
 
 void LumoraReportFilter::ReadSecondEntity(PortalContext& ctx) {
-    A_suggest1 = Argument(ctx, "A_suggest1");
-    A_searchtype = Argument(ctx, "A_searchtype");
+    A_suggest1 = ctx.ArgumentText("A_suggest1");
+    A_searchtype = ctx.ArgumentText("A_searchtype");
     if (A_searchtype.IsEmpty()) {
         for (const NamedText& entry : kSecondEntityArguments)
-            this->*entry.text = Argument(ctx, entry.name);
+            this->*entry.text = ctx.ArgumentText(entry.name);
         return;
     }
     for (const NamedText& entry : kSecondSearchTypes)
@@ -310,7 +304,7 @@ void LumoraReportFilter::GetHeader(PortalContext& ctx, const LumoraSQLColumnDesc
     header = var;
     if (hasTag) AppendPart(header, tagFilter.c_str());
 
-    const char* field = Argument(ctx, "field");
+    const char* field = ctx.ArgumentText("field");
     for (const LumoraSQLColumnDescription* column = columns;
          *field != '\0' && (column->fieldname[0] != '\0' || column->style[0] != '\0'); ++column) {
         if (strcasecmp(column->fieldname, field) != 0) continue;

@@ -107,7 +107,7 @@ void ReportChart::RenderImage(WebContext& ctx, WebRender* out) {
         JsonObj json(description.data(), nullptr, 0);
         picture = DrawPicture(json, mapName, map);
     } catch (const char* message) {
-        LogError("Chart elements parse error: %s", message);
+        LogError("Chart elements parse error:%s", message);
         ReportNotice("The graph of this report could not be drawn.").Render(ctx, out);
         return;
     }

@@ -1,5 +1,6 @@
 #include "portal/report/LumoraReportPage.h"
 
+#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
@@ -41,11 +42,6 @@ constexpr const char* kViewArguments[] = {"print",     "csv",      "xlsx", "sort
                                           "tableonly", "criteria", "wait"};
 
 constexpr char kNoResult[] = "The report ended before it had a result. Please run it again.";
-
-bool IsGiven(const WebContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr && !argument->IsEmpty();
-}
 
 // The customer's uplift and VAT stand in for those that the request does not name; one that it
 // names as empty is none.
@@ -90,8 +86,7 @@ void AddActions(PortalContext& ctx, WebItem& page, const char* changePagename = 
 }
 
 bool IsWaitAsked(const WebContext& ctx) {
-    const WebArgument* wait = ctx.FindWebArgument("wait");
-    return wait != nullptr && *wait == "1";
+    return strcmp(ctx.ArgumentText("wait"), "1") == 0;
 }
 
 const char* TitleEnd(const ReportDefinition& definition) {
@@ -99,21 +94,20 @@ const char* TitleEnd(const ReportDefinition& definition) {
 }
 
 bool IsCancel(const WebContext& ctx) {
-    const WebArgument* submit = ctx.FindWebArgument("submit");
-    return submit != nullptr && *submit == "Cancel Report";
+    return strcmp(ctx.ArgumentText("submit"), "Cancel Report") == 0;
 }
 
 }  // namespace
 
 LumoraReportPage::LumoraReportPage(PortalContext& ctx) : StandardPage(ctx) {
-    const WebArgument* pagename = ctx.FindWebArgument("pagename");
-    if (pagename != nullptr && IsDrillPage(pagename->Text())) {
-        AddDrillList(ctx, pagename->Text());
+    const char* pagename = ctx.ArgumentText("pagename");
+    if (IsDrillPage(pagename)) {
+        AddDrillList(ctx, pagename);
         return;
     }
     ChangeLists(ctx);
-    if (IsGiven(ctx, "report"))
-        AddReport(ctx, ctx.FindWebArgument("report")->Text());
+    if (ctx.IsArgumentGiven("report"))
+        AddReport(ctx, ctx.ArgumentText("report"));
     else
         AddCatalogue(ctx);
 }
@@ -143,7 +137,7 @@ std::unique_ptr<WebItem> LumoraReportPage::GetPrintPage(PortalContext& ctx) {
 void LumoraReportPage::ChangeLists(PortalContext& ctx) {
     // Going back in the history must not change anything again.
     for (const char* change : {"addmyreport", "removemyreport", "removeQReport"})
-        if (IsGiven(ctx, change)) addToHistory = false;
+        if (ctx.IsArgumentGiven(change)) addToHistory = false;
     if (const char* told = ChangeFavourites(ctx)) Add(new ReportNotice(told));
     if (const char* told = RemoveQuickReport(ctx)) Add(new ReportNotice(told));
 }
@@ -158,9 +152,9 @@ void LumoraReportPage::AddCatalogue(PortalContext& ctx) {
 
 void LumoraReportPage::AddReport(PortalContext& ctx, const char* pagename) {
     const bool cancelled = IsCancel(ctx);
-    const bool followed = !cancelled && IsGiven(ctx, "query_id");
-    const bool submitted = !cancelled && !followed && IsGiven(ctx, "submit");
-    const bool fromSession = cancelled || followed || IsGiven(ctx, "change");
+    const bool followed = !cancelled && ctx.IsArgumentGiven("query_id");
+    const bool submitted = !cancelled && !followed && ctx.IsArgumentGiven("submit");
+    const bool fromSession = cancelled || followed || ctx.IsArgumentGiven("change");
     LumoraReportFilter filter(ctx,
                               fromSession && !submitted && !LumoraReportFilter::IsInRequest(ctx));
     const std::unique_ptr<ReportDefinition> definition =
@@ -214,7 +208,7 @@ void LumoraReportPage::AddDrillList(PortalContext& ctx, const char* pagename) {
         return;
     }
     if (IsCancel(ctx)) return CancelRun(ctx, *list, filter);
-    if (IsGiven(ctx, "query_id")) return FollowRun(ctx, *list, filter);
+    if (ctx.IsArgumentGiven("query_id")) return FollowRun(ctx, *list, filter);
     const std::vector<FilterProblem> problems = filter.Check();
     if (problems.empty()) return StartRun(ctx, *list, filter);
     AddActions(ctx, *this, list->pagename.c_str(), &filter, back_);
@@ -267,7 +261,7 @@ void LumoraReportPage::StartRun(PortalContext& ctx, const ReportDefinition& defi
 bool LumoraReportPage::AsksBefore(PortalContext& ctx, const ReportDefinition& definition,
                                   const LumoraReportFilter& filter) {
     const uint64_t limit = WarningLimit(ctx);
-    if (limit == 0 || IsGiven(ctx, "confirm")) return false;
+    if (limit == 0 || ctx.IsArgumentGiven("confirm")) return false;
     const uint64_t rows = EstimateRows(ctx, definition, filter);
     if (rows <= limit) return false;
 
@@ -280,7 +274,7 @@ bool LumoraReportPage::AsksBefore(PortalContext& ctx, const ReportDefinition& de
     UString url = RunUrl(ctx, definition, filter);
     std::string view;
     for (const char* name : kViewArguments)
-        if (IsGiven(ctx, name)) AppendUrlArgument(view, name, ctx.FindWebArgument(name)->Text());
+        if (ctx.IsArgumentGiven(name)) AppendUrlArgument(view, name, ctx.ArgumentText(name));
     url += view.c_str();
     url += "&confirm=1";
     AddAction(Adopt(new WebDiv("class=\"reportActions\"")), url, "Run anyway");
@@ -304,7 +298,7 @@ void LumoraReportPage::FollowRun(PortalContext& ctx, const ReportDefinition& def
                                  LumoraReportFilter& filter) {
     addToHistory = false;
     ctx.LeaveSession();
-    auto job = BackgroundJob::Find(ctx, ctx.FindWebArgument("query_id")->Text());
+    auto job = BackgroundJob::Find(ctx, ctx.ArgumentText("query_id"));
     if (job != nullptr && AwaitRun(ctx, definition, filter, std::move(job), kFollowMs)) return;
     Add(new ReportNotice(
         "This run of the report is over: it was shown already, cancelled, or given up because "

@@ -63,12 +63,6 @@ std::string Given(const UString& text, const char* def) {
     return text.IsEmpty() ? def : text.c_str();
 }
 
-// The argument's text; asking creates no argument.
-const char* Argument(PortalContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 // The table of a report class of our own. It stands in the statement as it is.
 const char* TableName(const UString& name) {
     const char* text = name.IsEmpty() ? kSharedInboxTable : name.c_str();
@@ -212,12 +206,12 @@ PeriodSql LumoraReportQuery::ChoosePeriod(PortalContext& ctx) {
         return ExplicitPeriod(reportFilter.startDate.c_str(), reportFilter.endDate.c_str(),
                               !reportFilter.wbDrill.IsEmpty());
     if (reportFilter.reportPeriod == "today") {
-        const char* since = Argument(ctx, "wbStart");
+        const char* since = ctx.ArgumentText("wbStart");
         if (*since != '\0' && !IsTimestamp(since))
             ThrowText("The start of the wallboard's count must be a date and a time.");
         if (*since != '\0') reportFilter.wbTime = SqlText("> '%s'", SqlQuoted(since)).c_str();
 
-        const char* wallboard = Argument(ctx, "wbid");
+        const char* wallboard = ctx.ArgumentText("wbid");
         SQLSession db(ctx.GetSQLSession());
         if (IsDigits(wallboard, 1, 9)) {
             db.Query(SqlText(kWallboardDaySql, SqlFragment(wallboard), ctx.customerId));

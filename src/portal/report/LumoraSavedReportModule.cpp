@@ -31,11 +31,6 @@ constexpr char kNotGenuine[] = "Your session has only just begun, so nothing was
 constexpr size_t kMostName = 255;   // characters, as the column takes
 constexpr size_t kMostUrl = 65535;  // bytes
 
-const char* Argument(const WebContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 // The text without blanks at its ends, cut behind as many characters as the column takes.
 std::string TidyName(std::string_view text) {
     while (text.starts_with(' '))
@@ -86,8 +81,8 @@ LumoraSavedReportModule::LumoraSavedReportModule(PortalContext& ctx, const char*
 }
 
 const char* RemoveQuickReport(PortalContext& ctx) {
-    if (std::string_view(Argument(ctx, "removeQReport")) != "true") return nullptr;
-    const char* id = Argument(ctx, "id");
+    if (std::string_view(ctx.ArgumentText("removeQReport")) != "true") return nullptr;
+    const char* id = ctx.ArgumentText("id");
     if (!IsDigits(id, 1, 10)) return nullptr;
     if (!ctx.MayChange()) return kNotGenuine;
     SQLSession(ctx.GetSQLSession())
@@ -98,9 +93,8 @@ const char* RemoveQuickReport(PortalContext& ctx) {
 
 UString SaveQuickReport(PortalContext& ctx, const ReportDefinition& definition,
                         const LumoraReportFilter& filter) {
-    const WebArgument* save = ctx.FindWebArgument("save");
-    if (save == nullptr || !IsTicked(save->value)) return "";
-    std::string name = TidyName(Argument(ctx, "savedReportDesc"));
+    if (!IsTicked(ctx.ArgumentText("save"))) return "";
+    std::string name = TidyName(ctx.ArgumentText("savedReportDesc"));
     if (name.empty()) name = definition.name.c_str();
 
     UString url("report=");

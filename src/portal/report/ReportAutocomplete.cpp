@@ -1,5 +1,6 @@
 #include "portal/report/ReportAutocomplete.h"
 
+#include <cstring>
 #include <string>
 
 #include "cgiFramework/SQLTableQuery.h"
@@ -82,18 +83,13 @@ constexpr char kTagSql[] =
     "SELECT DISTINCT name FROM FrontTag WHERE customerid IN ('%s') AND name LIKE '%%%s%%' "
     "ORDER BY name LIMIT 50";
 
-std::string Argument(const PortalContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 // The context joins the group's ids itself: numbers, made to stand inside IN('...').
 SqlFragment SearchGroup(PortalContext& ctx) {
     return SqlFragment(ctx.GetCustomerSearchGroup());
 }
 
 SqlQuoted Pattern(const PortalContext& ctx) {
-    return SqlQuoted(LikeLiteral(Argument(ctx, "q")).c_str());
+    return SqlQuoted(LikeLiteral(ctx.ArgumentText("q")).c_str());
 }
 
 std::string PermittedCondition(const SuggestedKind& kind) {
@@ -130,7 +126,7 @@ ReportEntitySuggestions::ReportEntitySuggestions(PortalContext& ctx) : JSONPage(
     JSONArray& list = Adopt(new JSONArray);
     std::string statement;
     for (const SuggestedKind& kind : kKinds) {
-        if (Argument(ctx, kind.tick) != "on") continue;
+        if (strcmp(ctx.ArgumentText(kind.tick), "on") != 0) continue;
         if (!statement.empty()) statement += " UNION ";
         statement += KindStatement(ctx, kind);
     }
@@ -149,7 +145,7 @@ ReportEntitySuggestions::ReportEntitySuggestions(PortalContext& ctx) : JSONPage(
 ReportValueSuggestions::ReportValueSuggestions(PortalContext& ctx) : JSONPage(/*asHtml=*/false) {
     no_top_obj = true;
     JSONArray& list = Adopt(new JSONArray);
-    const std::string kind = Argument(ctx, "searchtype");
+    const std::string kind = ctx.ArgumentText("searchtype");
     if (kind != "ddi" && kind != "tag") return;
     SQLSession db(ctx.GetSQLSession());
     if (kind == "ddi")

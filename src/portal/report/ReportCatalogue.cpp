@@ -39,19 +39,14 @@ const char* CategoryName(const SQLSession& db) {
     return db.IntColumn(kCategory) == kCallCentreCategory ? "Call Centre Performance" : "Other";
 }
 
-const char* Argument(const WebContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 bool ShowsFavourites(const WebContext& ctx) {
-    const std::string_view filter = Argument(ctx, "filterVal");
+    const std::string_view filter = ctx.ArgumentText("filterVal");
     return !filter.empty() && filter != "0";
 }
 
 // The category asked for, or an empty text.
 const char* CategoryAsked(const WebContext& ctx) {
-    const char* category = Argument(ctx, "category");
+    const char* category = ctx.ArgumentText("category");
     return IsDigits(category, 1, 9) ? category : "";
 }
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "common/Html.h"
+#include "common/Parse.h"
 
 namespace {
 
@@ -15,10 +16,6 @@ constexpr ptrdiff_t kMaxWholeDigits = 19;
 constexpr int kDecimals = 4;  // of a ReportDecimal
 constexpr int kSecondsPerMinute = 60;
 constexpr int kSecondsPerHour = 3600;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 // The arithmetic below is written for two widths: a cell's value fits into 64 bits, whose divisions
 // by a constant cost a multiplication, and only a huge total needs the wide ones.

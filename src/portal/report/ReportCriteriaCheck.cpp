@@ -118,10 +118,15 @@ void LumoraReportFilter::CheckEntity(std::vector<FilterProblem>& problems) const
         problems.push_back({"contact1", "You must specify at least one contact for this report."});
 }
 
+// Whatever else its field says against a value tells more.
 void LumoraReportFilter::CheckLengths(std::vector<FilterProblem>& problems) const {
-    for (const auto& [name, text] : GivenArguments())
-        if (strlen(text->c_str()) > kMostBytes)
-            problems.push_back({name, "This is longer than any name can be."});
+    for (const auto& [name, text] : GivenArguments()) {
+        const bool told = std::any_of(problems.begin(), problems.end(), [&](const auto& problem) {
+            return strcmp(problem.field, name) == 0;
+        });
+        if (!told && strlen(text->c_str()) > kMostBytes)
+            problems.push_back({name, "This is too long."});
+    }
     if (!problems.empty()) return;
     UString url;
     AppendArguments(url);
@@ -138,11 +143,11 @@ std::vector<FilterProblem> LumoraReportFilter::Check() const {
     CheckDates(problems);
     CheckKinds(problems);
     CheckEntity(problems);
-    CheckLengths(problems);
     for (const auto& check : kChecks) {
         const UString& text = this->*check.text;
         if (!text.IsEmpty() && !check.valid(text.c_str()))
             problems.push_back({check.field, check.message});
     }
+    CheckLengths(problems);
     return problems;
 }

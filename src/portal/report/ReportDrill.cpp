@@ -227,11 +227,6 @@ struct Source {
 constexpr Source kCalls = {kCallDimensions, kCallParties, kCallPeriod};
 constexpr Source kMessages = {kMessageDimensions, kMessageParties, kMessagePeriod};
 
-const char* Argument(const PortalContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 template <class Entry>
 const Entry* FindWord(std::span<const Entry> entries, const char* word) {
     for (const Entry& entry : entries)
@@ -312,11 +307,11 @@ bool IsOffered(const Dimension& dimension, std::string_view report) {
 const Dimension& ReadDimension(const PortalContext& ctx, const Source& source,
                                std::string_view report, const char* by, const char* value,
                                std::string& sql) {
-    const char* word = Argument(ctx, by);
+    const char* word = ctx.ArgumentText(by);
     const Dimension* dimension = FindWord(source.dimensions, word);
     if (dimension == nullptr || !IsOffered(*dimension, report))
         ThrowText("This list cannot be made: \"%s\" is no way to choose calls.", word);
-    const char* text = Argument(ctx, value);
+    const char* text = ctx.ArgumentText(value);
     sql = ValueSql(dimension->value, text);
     if (sql.empty())
         ThrowText("This list cannot be made: \"%s\" is no value for \"%s\".", text, word);
@@ -343,14 +338,14 @@ std::string DrillCondition(const PortalContext& ctx, const Source& source,
     std::string value;
     std::string value2;
     const Dimension* first = &ReadDimension(ctx, source, report, "by", "value", value);
-    const Dimension* second = *Argument(ctx, "by2") != '\0'
+    const Dimension* second = *ctx.ArgumentText("by2") != '\0'
                                   ? &ReadDimension(ctx, source, report, "by2", "value2", value2)
                                   : nullptr;
     if (second != nullptr && first->permitted == nullptr && second->permitted != nullptr) {
         std::swap(first, second);
         std::swap(value, value2);
     }
-    const char* word = Argument(ctx, "outcome");
+    const char* word = ctx.ArgumentText("outcome");
     const Outcome* outcome =
         FindWord(first->outcomes, *word != '\0' ? word : first->outcomes[0].word);
     if (outcome == nullptr)
@@ -397,10 +392,10 @@ std::string DrillRow(const PortalContext& ctx) {
     std::string row;
     for (const auto& [by, value] : {std::pair{"by", "value"}, std::pair{"by2", "value2"}})
         for (const auto& each : kNamed)
-            if (each.by == Argument(ctx, by) && *Argument(ctx, value) != '\0')
+            if (each.by == ctx.ArgumentText(by) && *ctx.ArgumentText(value) != '\0')
                 row.append(row.empty() ? "" : ", ")
                     .append(each.heading)
                     .append(" ")
-                    .append(Argument(ctx, value));
+                    .append(ctx.ArgumentText(value));
     return row;
 }

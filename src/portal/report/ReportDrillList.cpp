@@ -25,11 +25,6 @@ constexpr const char* kListArguments[] = {"parent", "field",  "by",     "value",
 
 constexpr char kNoParent[] = "The report that this list belongs to does not exist.";
 
-const char* Argument(const PortalContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 // A list of messages is about one column of a report that is there.
 void CheckMessageList(PortalContext& ctx, const char* parent) {
     SQLSession db(ctx.GetSQLSession());
@@ -38,7 +33,7 @@ void CheckMessageList(PortalContext& ctx, const char* parent) {
         LogError("mediadrill - parent reportfile not found");
         ThrowText("%s", kNoParent);
     }
-    if (*Argument(ctx, "field") == '\0') {
+    if (*ctx.ArgumentText("field") == '\0') {
         LogError("mediadrill - no field specified");
         ThrowText("The column that this list belongs to was not named.");
     }
@@ -57,10 +52,10 @@ bool IsDrillList(const ReportDefinition& definition) {
 std::unique_ptr<ReportDefinition> LoadDrillList(PortalContext& ctx, const char* pagename,
                                                 LumoraReportFilter& filter, UString& back) {
     // The page that follows a run names the report as "report".
-    const char* parentName = Argument(ctx, "parent");
-    if (*parentName == '\0') parentName = Argument(ctx, "report");
+    const char* parentName = ctx.ArgumentText("parent");
+    if (*parentName == '\0') parentName = ctx.ArgumentText("report");
     const bool messages = strcmp(pagename, kMessageList) == 0;
-    if (messages && *Argument(ctx, "query_id") == '\0') CheckMessageList(ctx, parentName);
+    if (messages && *ctx.ArgumentText("query_id") == '\0') CheckMessageList(ctx, parentName);
 
     LumoraReportFilter unused;
     auto list = ReportDefinition::Load(ctx, pagename, unused);
@@ -83,9 +78,9 @@ std::unique_ptr<ReportDefinition> LoadDrillList(PortalContext& ctx, const char* 
     std::string arguments;
     for (const char* name : kListArguments)
         if (ctx.FindWebArgument(name) != nullptr)
-            AppendUrlArgument(arguments, name, Argument(ctx, name));
+            AppendUrlArgument(arguments, name, ctx.ArgumentText(name));
     list->arguments = arguments.c_str();
-    if (*Argument(ctx, "by") != '\0' || *Argument(ctx, "query_id") == '\0')
+    if (*ctx.ArgumentText("by") != '\0' || *ctx.ArgumentText("query_id") == '\0')
         list->query = FillDrill(ctx, messages ? DrillKind::kMessages : DrillKind::kCalls,
                                 parent->query.c_str(), list->query.c_str())
                           .c_str();

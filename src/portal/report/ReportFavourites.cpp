@@ -18,11 +18,6 @@ constexpr char kRemoveSql[] =
 constexpr char kNotGenuine[] =
     "Your session has only just begun, so My Reports was left as it is. Please choose again.";
 
-const WebArgument* Given(const WebContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr && !argument->IsEmpty() ? argument : nullptr;
-}
-
 bool Finds(PortalContext& ctx, const SqlText& query) {
     SQLSession db(ctx.GetSQLSession());
     db.Query(query);
@@ -41,12 +36,11 @@ const char* AddFavourite(PortalContext& ctx, const UString& report) {
 }  // namespace
 
 const char* ChangeFavourites(PortalContext& ctx) {
-    const WebArgument* added = Given(ctx, "addmyreport");
-    const WebArgument* removed = Given(ctx, "removemyreport");
-    if (added == nullptr && removed == nullptr) return nullptr;
+    const UString added = ctx.ArgumentText("addmyreport");
+    const UString removed = ctx.ArgumentText("removemyreport");
+    if (added.IsEmpty() && removed.IsEmpty()) return nullptr;
     if (!ctx.MayChange()) return kNotGenuine;
-    if (added != nullptr) return AddFavourite(ctx, added->value);
-    SQLSession(ctx.GetSQLSession())
-        .Execute(SqlText(kRemoveSql, ctx.contactId, SqlQuoted(removed->value)));
+    if (!added.IsEmpty()) return AddFavourite(ctx, added);
+    SQLSession(ctx.GetSQLSession()).Execute(SqlText(kRemoveSql, ctx.contactId, SqlQuoted(removed)));
     return nullptr;
 }

@@ -17,11 +17,6 @@ constexpr int kFeedMs = 1000;
 constexpr int kReloadSeconds = 2;
 constexpr char kNotRunning[] = "The report was not running any more.";
 
-const char* Argument(const PortalContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
 UString ProgressOf(const BackgroundJob& job) {
     int64_t seconds = 0;
     uint64_t rows = 0;
@@ -83,13 +78,13 @@ void AddProgress(PortalContext& ctx, StandardPage& page, const char* report,
 }
 
 bool IsProgressAsked(const PortalContext& ctx) {
-    return *Argument(ctx, "query_id") != '\0' && *Argument(ctx, "progress") != '\0';
+    return *ctx.ArgumentText("query_id") != '\0' && *ctx.ArgumentText("progress") != '\0';
 }
 
 ReportProgressFeed::ReportProgressFeed(PortalContext& ctx) : JSONPage(/*asHtml=*/false) {
     ctx.LeaveSession();
     const char* state = "ended";
-    const auto job = BackgroundJob::Find(ctx, Argument(ctx, "query_id"));
+    const auto job = BackgroundJob::Find(ctx, ctx.ArgumentText("query_id"));
     if (job != nullptr) {
         switch (job->Wait(kFeedMs)) {
             case BackgroundJob::kReady:
@@ -108,7 +103,7 @@ ReportProgressFeed::ReportProgressFeed(PortalContext& ctx) : JSONPage(/*asHtml=*
 }
 
 const char* CancelReport(PortalContext& ctx) {
-    const char* queryId = Argument(ctx, "query_id");
+    const char* queryId = ctx.ArgumentText("query_id");
     if (*queryId == '\0') {
         LogError("Cancel Report: query_id not set");
         return kNotRunning;

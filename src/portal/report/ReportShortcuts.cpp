@@ -11,14 +11,9 @@ constexpr char kLastRun[] = "lastReportRun";
 constexpr size_t kMostBytes = 2000;
 constexpr char kGenerate[] = "Generate Report";
 
-bool IsGiven(const PortalContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr && !argument->IsEmpty();
-}
-
 // What follows a run by its number is complete already.
 bool IsFollowing(const PortalContext& ctx) {
-    return IsGiven(ctx, "query_id");
+    return ctx.IsArgumentGiven("query_id");
 }
 
 void AskForRun(PortalContext& ctx) {
@@ -38,7 +33,7 @@ void RememberRun(PortalContext& ctx, const ReportDefinition& definition,
 }
 
 bool AskForCsv(PortalContext& ctx) {
-    if (!IsGiven(ctx, "report")) {
+    if (!ctx.IsArgumentGiven("report")) {
         if (!ctx.HasWebSessionVar(kLastRun) || ctx.GetWebSessionVar(kLastRun)->IsEmpty())
             return false;
         const UString run = ctx.GetWebSessionVar(kLastRun)->Text();
@@ -50,7 +45,7 @@ bool AskForCsv(PortalContext& ctx) {
 
 void AskForPriceRecord(PortalContext& ctx) {
     ctx.SetWebArgument("report", "pricerecord");
-    if (!IsGiven(ctx, "reportPeriod") && !IsGiven(ctx, "startDate"))
+    if (!ctx.IsArgumentGiven("reportPeriod") && !ctx.IsArgumentGiven("startDate"))
         ctx.SetWebArgument("reportPeriod", "lastmonth");
     AskForRun(ctx);
 }

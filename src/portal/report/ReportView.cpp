@@ -13,23 +13,14 @@ namespace {
 
 constexpr int64_t kMostPages = 1'000'000'000;
 
-const char* Argument(const WebContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr ? argument->Text() : "";
-}
-
-bool IsGiven(const WebContext& ctx, const char* name) {
-    return *Argument(ctx, name) != '\0';
-}
-
 ReportView::Form FormOf(const WebContext& ctx) {
-    if (IsGiven(ctx, "csv")) return ReportView::kCsv;
-    if (IsGiven(ctx, "xlsx")) return ReportView::kXlsx;
-    return IsGiven(ctx, "print") ? ReportView::kPrint : ReportView::kScreen;
+    if (ctx.IsArgumentGiven("csv")) return ReportView::kCsv;
+    if (ctx.IsArgumentGiven("xlsx")) return ReportView::kXlsx;
+    return ctx.IsArgumentGiven("print") ? ReportView::kPrint : ReportView::kScreen;
 }
 
 uint64_t RowsOf(const WebContext& ctx, uint64_t usual) {
-    const std::string_view text = Argument(ctx, "rows");
+    const std::string_view text = ctx.ArgumentText("rows");
     if (text == "all") return ReportView::kAllRows;
     for (const uint64_t rows : kRowsAPage)
         if (text == std::to_string(rows)) return rows;
@@ -52,15 +43,15 @@ const std::vector<uint64_t> kRowsAPage = {100, 500, 1000};
 
 ReportView::ReportView(const WebContext& ctx, const LumoraReportSQLCol& columns)
     : form(FormOf(ctx)),
-      sort(Argument(ctx, "sort")),
-      descending(strcmp(Argument(ctx, "dir"), "desc") == 0),
-      criteria(IsGiven(ctx, "criteria")),
-      graphOnly(IsGiven(ctx, "graphonly")),
-      tableOnly(IsGiven(ctx, "tableonly")) {
+      sort(ctx.ArgumentText("sort")),
+      descending(strcmp(ctx.ArgumentText("dir"), "desc") == 0),
+      criteria(ctx.IsArgumentGiven("criteria")),
+      graphOnly(ctx.IsArgumentGiven("graphonly")),
+      tableOnly(ctx.IsArgumentGiven("tableonly")) {
     if (SortColumn(columns) == nullptr) sort = "";
     rows = form == kScreen ? RowsOf(ctx, rows) : kAllRows;
     int64_t number = 0;
-    if (rows != kAllRows && ParseInt64(Argument(ctx, "page"), number) && number > 0)
+    if (rows != kAllRows && ParseInt64(ctx.ArgumentText("page"), number) && number > 0)
         page = static_cast<uint64_t>(std::min(number, kMostPages));
 }
 

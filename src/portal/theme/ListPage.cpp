@@ -24,11 +24,6 @@ void AddNotice(WebItem& page, const char* text) {
     page.Adopt(new WebDiv("class=\"notice\" role=\"status\"")).Add(new WebValue("%s", text));
 }
 
-bool IsGiven(const WebContext& ctx, const char* name) {
-    const WebArgument* argument = ctx.FindWebArgument(name);
-    return argument != nullptr && !argument->IsEmpty();
-}
-
 WebItem* AnswerCsv(PortalContext& ctx, const SQLTableQuery& query) {
     auto page = std::make_unique<FilePage>();
     SQLSession db(ctx.GetSQLSession());
@@ -58,9 +53,9 @@ WebItem* AnswerListPdf(PortalContext& ctx, SQLTableDefinition definition) {
 
 WebItem* AnswerList(PortalContext& ctx, SQLTableDefinition definition,
                     const std::vector<SQLListAction>& actions) {
-    if (IsGiven(ctx, "pdf")) return AnswerListPdf(ctx, std::move(definition));
+    if (ctx.IsArgumentGiven("pdf")) return AnswerListPdf(ctx, std::move(definition));
     SQLTableQuery query(std::move(definition), ctx);
-    if (IsGiven(ctx, "csv")) return AnswerCsv(ctx, query);
+    if (ctx.IsArgumentGiven("csv")) return AnswerCsv(ctx, query);
     auto page = std::make_unique<StandardPage>(ctx);
     page->title = query.definition().title.c_str();
     AddDoneNotice(ctx, *page);

@@ -6,17 +6,10 @@
 #include <string>
 
 #include "cgiFramework/JSONText.h"
+#include "unit/cgiFramework/Rendered.h"
 #include "unit/cgiFramework/TestRequest.h"
 
 namespace {
-
-std::string Rendered(WebItem& item) {
-    TestRequest request;
-    WebContext ctx(nullptr, nullptr);
-    UStringWebRender out;
-    item.Render(ctx, &out);
-    return out.output.c_str();
-}
 
 // The document read and rendered again, or what reading it threw.
 std::string Parsed(const std::string& text) {

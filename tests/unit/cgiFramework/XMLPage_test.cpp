@@ -5,17 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "unit/cgiFramework/TestRequest.h"
+#include "unit/cgiFramework/Rendered.h"
 
 namespace {
-
-std::string Rendered(WebItem& item) {
-    TestRequest request;
-    WebContext ctx(nullptr, nullptr);
-    UStringWebRender out;
-    item.Render(ctx, &out);
-    return out.output.c_str();
-}
 
 std::unique_ptr<XMLItem> Item(const char* value, const char* tags, bool withChild = false) {
     auto item = std::make_unique<XMLItem>("n", value, "%s", tags);

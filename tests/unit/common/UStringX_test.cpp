@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "kernel/OSConsole.h"
 #include "kernel/OSMemPool.h"
+#include "unit/Reports.h"
 
 namespace {
 
@@ -319,24 +319,14 @@ TEST_CASE("every buffer comes from the pool when there is one, and goes back to 
 }
 
 TEST_CASE("out of memory is reported, thrown, and leaves the text as it was") {
-    char* reported = nullptr;
-    size_t size = 0;
-    FILE* stream = open_memstream(&reported, &size);
-    OSConsole console(stream);
-    OSConsole* before = Console;
-    Console = &console;
-    {
-        CountingPool pool;
-        pool.limit = 64;
-        UString text("abc");
-        CHECK_THROWS_AS(text.Allocate(100), const char*);
-        CHECK_THROWS_AS(text.wAllocate(100), const char*);
-        CHECK(text == "abc");
-    }
-    Console = before;
-    std::fclose(stream);
-    CHECK(std::string(reported, size) ==
+    const Reports reports;
+    CountingPool pool;
+    pool.limit = 64;
+    UString text("abc");
+    CHECK_THROWS_AS(text.Allocate(100), const char*);
+    CHECK_THROWS_AS(text.wAllocate(100), const char*);
+    CHECK(text == "abc");
+    CHECK(reports.All() ==
           "UStringX::Allocate - Out Of memory for size 128\n"
           "UStringX::wAllocate - Out Of memory for size 128\n");
-    std::free(reported);
 }

@@ -62,7 +62,7 @@ void Echo(SecureSocket& peer) {
 }  // namespace
 
 TEST_CASE("both ends speak TLS, also in messages longer than a record") {
-    ConsoleText console;
+    Reports console;
     UseKeys("good", "good", "good");
     TlsPair pair(Echo);
     REQUIRE(pair.client.Secure());
@@ -78,7 +78,7 @@ TEST_CASE("both ends speak TLS, also in messages longer than a record") {
 }
 
 TEST_CASE("a record longer than one read is read to its end without waiting") {
-    ConsoleText console;
+    Reports console;
     UseKeys("good", "good", "good");
     TlsPair pair([](SecureSocket& peer) {
         peer.DataIndication(Bytes(std::string(5000, 'y')));
@@ -100,7 +100,7 @@ TEST_CASE("a record longer than one read is read to its end without waiting") {
 }
 
 TEST_CASE("untrusted and expired certificates are accepted") {
-    ConsoleText console;
+    Reports console;
     for (const char* name : {"good", "expired"}) {
         CAPTURE(name);
         UseKeys(name, name, "other");
@@ -127,7 +127,7 @@ TEST_CASE("a set-up without usable keys is refused, and nothing leaves unencrypt
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
-        ConsoleText console;
+        Reports console;
         SecureSocket::SetKeys(c.certificate.c_str(), c.key.c_str(), c.trusted.c_str());
         Socket listener(Socket::TCP_SERVER, 0, true, htonl(INADDR_LOOPBACK));
         const Socket plain(Socket::TCP_CLIENT, "127.0.0.1", listener.LocalPort());
@@ -148,7 +148,7 @@ TEST_CASE("a set-up without usable keys is refused, and nothing leaves unencrypt
 }
 
 TEST_CASE("a handshake with a peer that speaks no TLS, or nothing, fails") {
-    ConsoleText console;
+    Reports console;
     UseKeys("good", "good", "good");
     Socket listener(Socket::TCP_SERVER, 0, true, htonl(INADDR_LOOPBACK));
     SUBCASE("it answers something else") {
@@ -180,7 +180,7 @@ TEST_CASE("a handshake with a peer that speaks no TLS, or nothing, fails") {
 }
 
 TEST_CASE("a clean close, a cut in mid record and a forged record are told apart") {
-    ConsoleText console;
+    Reports console;
     UseKeys("good", "good", "good");
     SUBCASE("clean close") {
         TlsPair pair([](SecureSocket& peer) { peer.Close(); });
@@ -232,7 +232,7 @@ TEST_CASE("a clean close, a cut in mid record and a forged record are told apart
 }
 
 TEST_CASE("a TLS write to a peer that has gone raises no signal") {
-    ConsoleText console;
+    Reports console;
     UseKeys("good", "good", "good");
     TlsPair pair([](SecureSocket& peer) {
         const linger abort = {1, 0};

@@ -1,4 +1,4 @@
-// TestPeers.h: what the socket tests share: the console's text and a plain peer on the loopback.
+// TestPeers.h: what the socket tests share: a plain peer on the loopback.
 #pragma once
 
 #include <arpa/inet.h>
@@ -10,32 +10,8 @@
 #include <memory>
 #include <string>
 
-#include "kernel/OSConsole.h"
 #include "network/socketX.h"
-
-// Collects what is reported while it lives.
-class ConsoleText {
-  public:
-    ConsoleText() : stream_(open_memstream(&text_, &size_)), console_(stream_), before_(Console) {
-        Console = &console_;
-    }
-    ~ConsoleText() {
-        Console = before_;
-        std::fclose(stream_);
-        std::free(text_);
-    }
-    bool Has(const char* part) {
-        std::fflush(stream_);
-        return std::string(text_, size_).find(part) != std::string::npos;
-    }
-
-  private:
-    char* text_ = nullptr;
-    size_t size_ = 0;
-    FILE* stream_;
-    OSConsole console_;
-    OSConsole* before_;
-};
+#include "unit/Reports.h"
 
 // A connected pair over the loopback, both ends ours.
 struct Pair {

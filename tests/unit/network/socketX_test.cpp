@@ -62,7 +62,7 @@ TEST_CASE("a client and an accepted connection exchange bytes and know their add
 }
 
 TEST_CASE("a connect that fails says where and leaves no descriptor") {
-    ConsoleText console;
+    Reports console;
     SUBCASE("nothing listens") {
         unsigned short freePort;
         {
@@ -117,14 +117,14 @@ TEST_CASE("an existing socket connects later") {
     CHECK(socket.Connect(htonl(INADDR_LOOPBACK), listener.LocalPort()) == 0);
     CHECK(socket.state == Socket::CONNECTED);
     socket.Close();
-    ConsoleText console;
+    Reports console;
     CHECK(socket.Connect(htonl(INADDR_LOOPBACK), listener.LocalPort()) == 2);
     CHECK(socket.Accept() == nullptr);
 }
 
 TEST_CASE("an exact read tells why it did not get all") {
     const ShortWaits shortWaits;
-    ConsoleText console;
+    Reports console;
     Pair pair;
     unsigned char got[6];
     CHECK(pair.server->RecWait(got, 0) == 0);
@@ -154,7 +154,7 @@ TEST_CASE("an exact read tells why it did not get all") {
 }
 
 TEST_CASE("an exact read leaves what came beyond it to the next read of either kind") {
-    ConsoleText console;
+    Reports console;
     Pair pair;
     unsigned char got[3];
     // One send: all of it is there when the first read wakes.
@@ -233,7 +233,7 @@ TEST_CASE("a signal does not end a wait") {
 }
 
 TEST_CASE("a write that cannot be finished leaves the socket invalid") {
-    ConsoleText console;
+    Reports console;
     Pair pair;
     SUBCASE("the peer has gone") {
         pair.server.reset();
@@ -255,7 +255,7 @@ TEST_CASE("a write that cannot be finished leaves the socket invalid") {
 }
 
 TEST_CASE("queued buffers go out in order, and none after a failure") {
-    ConsoleText console;
+    Reports console;
     Pair pair;
     for (const char* text : {"a", "b", "c"})
         CHECK(pair.client->Queue(Bytes(text)) == 0);
@@ -283,6 +283,6 @@ TEST_CASE("datagrams arrive whole, empty ones included") {
         CHECK(TextOf(*got) == text);
     }
     from.Close();
-    ConsoleText console;
+    Reports console;
     CHECK(from.SendTo(Bytes("late"), htonl(INADDR_LOOPBACK), to.LocalPort()) == 2);
 }
