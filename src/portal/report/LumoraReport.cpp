@@ -3,7 +3,6 @@
 #include <string_view>
 #include <utility>
 
-#include "cgiFramework/QueryTiming.h"
 #include "common/Html.h"
 #include "common/Log.h"
 #include "portal/context/PortalContext.h"
@@ -44,13 +43,10 @@ void AddLink(WebItem& exports, const UString& url, const char* image, const char
 }  // namespace
 
 LumoraReport::LumoraReport(PortalContext& ctx, const ReportDefinition& definition,
-                           const LumoraReportFilter& filter) {
-    const char* benchmarkLog = ctx.GetSetting("benchmarklog");
-    if (*benchmarkLog != '\0') OpenBenchmarkLog(benchmarkLog);
+                           const LumoraReportFilter& filter, const LumoraReportQuery& query) {
     const LumoraReportSQLCol columns(ctx.dirname.c_str(), definition.reportFile.c_str());
     view_ = ReportView(ctx, columns);
     columnCount_ = columns.count();
-    const LumoraReportQuery query(ctx, definition.query.c_str(), filter);
     UString filteredOn;
     std::string row;
     if (definition.fieldFile.IsEmpty()) {

@@ -19,12 +19,12 @@ struct ReportRun;
 
 class LumoraReport : public WebItem {
   public:
-    // Fills the report's query with the criteria, runs it and keeps the result, so that rendering
-    // needs the database no more. How the result is shown is the request's to say (ReportView.h).
-    // Throws the server's message, or a text that says what is wrong with the report's definition;
-    // a query that fails is told in place of the result.
+    // Runs the query that was made of the definition and the filter, and keeps the result, so that
+    // rendering needs the database no more. How the result is shown is the request's to say
+    // (ReportView.h). Throws the server's message, or a text that says what is wrong with the
+    // report's definition; a query that fails is told in place of the result.
     LumoraReport(PortalContext& ctx, const ReportDefinition& definition,
-                 const LumoraReportFilter& filter);
+                 const LumoraReportFilter& filter, const LumoraReportQuery& query);
     ~LumoraReport() override;
 
     const ReportView& view() const { return view_; }

@@ -2,10 +2,12 @@
 
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "cgiFramework/FilePage.h"
+#include "cgiFramework/QueryTiming.h"
 #include "cgiFramework/UrlArgument.h"
 #include "common/Html.h"
 #include "common/Log.h"
@@ -13,6 +15,7 @@
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReport.h"
 #include "portal/report/LumoraReportFilter.h"
+#include "portal/report/LumoraReportQuery.h"
 #include "portal/report/LumoraSavedReportModule.h"
 #include "portal/report/ReportCatalogue.h"
 #include "portal/report/ReportDefinition.h"
@@ -240,9 +243,24 @@ void LumoraReportPage::RunReport(PortalContext& ctx, const ReportDefinition& def
     StartRun(ctx, definition, filter);
 }
 
+// The query is made once, for the estimate and for the run.
 void LumoraReportPage::StartRun(PortalContext& ctx, const ReportDefinition& definition,
                                 const LumoraReportFilter& filter) {
-    if (AsksBefore(ctx, definition, filter)) return;
+    const char* benchmarkLog = ctx.GetSetting("benchmarklog");
+    if (*benchmarkLog != '\0') OpenBenchmarkLog(benchmarkLog);
+    std::optional<LumoraReportQuery> query;
+    try {
+        query.emplace(ctx, definition.query.c_str(), filter);
+    } catch (const char* message) {
+        AddResultHead(ctx, definition, filter);
+        AddFailure(definition, message);
+        return;
+    }
+    if (!AsksBefore(ctx, definition, filter, *query)) RunQuery(ctx, definition, filter, *query);
+}
+
+void LumoraReportPage::RunQuery(PortalContext& ctx, const ReportDefinition& definition,
+                                const LumoraReportFilter& filter, const LumoraReportQuery& query) {
     // The session is written before the wait begins, so that nobody's changes meanwhile are lost.
     UpdateHistory(ctx);
     addToHistory = false;
@@ -253,21 +271,25 @@ void LumoraReportPage::StartRun(PortalContext& ctx, const ReportDefinition& defi
             Add(new ReportWarning(kNoResult));
         return;
     }
-    AddResult(ctx, definition, filter);
+    AddResultHead(ctx, definition, filter);
+    try {
+        report_ = &Adopt(new LumoraReport(ctx, definition, filter, query));
+    } catch (const char* message) {
+        AddFailure(definition, message);
+    }
 }
 
 // Whoever asks for a great deal is told first, whatever the answer is to be. The link that runs it
 // all the same is the same request again.
 bool LumoraReportPage::AsksBefore(PortalContext& ctx, const ReportDefinition& definition,
-                                  const LumoraReportFilter& filter) {
+                                  const LumoraReportFilter& filter,
+                                  const LumoraReportQuery& query) {
     const uint64_t limit = WarningLimit(ctx);
     if (limit == 0 || ctx.IsArgumentGiven("confirm")) return false;
-    const uint64_t rows = EstimateRows(ctx, definition, filter);
+    const uint64_t rows = EstimateRows(ctx, query);
     if (rows <= limit) return false;
 
-    title = definition.name + TitleEnd(definition);
-    AddActions(ctx, *this, definition.pagename.c_str(), &filter, back_);
-    if (!saved_.IsEmpty()) Add(new ReportNotice(saved_.c_str()));
+    AddResultHead(ctx, definition, filter);
     const UString question = "This report would read a great deal: " + EstimateText(rows) +
                              ". A shorter period or fewer names take less.";
     Add(new ReportNotice(question.c_str()));
@@ -281,17 +303,16 @@ bool LumoraReportPage::AsksBefore(PortalContext& ctx, const ReportDefinition& de
     return true;
 }
 
-void LumoraReportPage::AddResult(PortalContext& ctx, const ReportDefinition& definition,
-                                 const LumoraReportFilter& filter) {
+void LumoraReportPage::AddResultHead(PortalContext& ctx, const ReportDefinition& definition,
+                                     const LumoraReportFilter& filter) {
     title = definition.name + TitleEnd(definition);
     AddActions(ctx, *this, definition.pagename.c_str(), &filter, back_);
     if (!saved_.IsEmpty()) Add(new ReportNotice(saved_.c_str()));
-    try {
-        report_ = &Adopt(new LumoraReport(ctx, definition, filter));
-    } catch (const char* message) {
-        LogError("Report %s: %s", definition.pagename.c_str(), message);
-        Add(new ReportWarning(message));
-    }
+}
+
+void LumoraReportPage::AddFailure(const ReportDefinition& definition, const char* message) {
+    LogError("Report %s: %s", definition.pagename.c_str(), message);
+    Add(new ReportWarning(message));
 }
 
 void LumoraReportPage::FollowRun(PortalContext& ctx, const ReportDefinition& definition,

@@ -10,6 +10,7 @@ class BackgroundJob;
 class FilePage;
 class LumoraReport;
 class LumoraReportFilter;
+class LumoraReportQuery;
 class PortalContext;
 struct FilterProblem;
 struct ReportDefinition;
@@ -50,9 +51,12 @@ class LumoraReportPage : public StandardPage {
     void StartRun(PortalContext& ctx, const ReportDefinition& definition,
                   const LumoraReportFilter& filter);
     bool AsksBefore(PortalContext& ctx, const ReportDefinition& definition,
-                    const LumoraReportFilter& filter);
-    void AddResult(PortalContext& ctx, const ReportDefinition& definition,
-                   const LumoraReportFilter& filter);
+                    const LumoraReportFilter& filter, const LumoraReportQuery& query);
+    void RunQuery(PortalContext& ctx, const ReportDefinition& definition,
+                  const LumoraReportFilter& filter, const LumoraReportQuery& query);
+    void AddResultHead(PortalContext& ctx, const ReportDefinition& definition,
+                       const LumoraReportFilter& filter);
+    void AddFailure(const ReportDefinition& definition, const char* message);
     void FollowRun(PortalContext& ctx, const ReportDefinition& definition,
                    LumoraReportFilter& filter);
     void CancelRun(PortalContext& ctx, const ReportDefinition& definition,

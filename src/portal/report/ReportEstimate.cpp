@@ -10,7 +10,6 @@
 #include "portal/context/PortalContext.h"
 #include "portal/report/LumoraReportQuery.h"
 #include "portal/report/ReportCell.h"
-#include "portal/report/ReportDefinition.h"
 
 namespace {
 
@@ -85,10 +84,8 @@ uint64_t PlanRows::rows() const {
     return static_cast<uint64_t>(rows_);
 }
 
-uint64_t EstimateRows(PortalContext& ctx, const ReportDefinition& definition,
-                      const LumoraReportFilter& filter) {
+uint64_t EstimateRows(PortalContext& ctx, const LumoraReportQuery& query) {
     try {
-        const LumoraReportQuery query(ctx, definition.query.c_str(), filter);
         SQLSession db(ctx.GetSQLSession());
         db.Query(SqlText::FromTemplate("EXPLAIN EXTENDED " + query.GetQuery()));
         return ReadPlan(db);

@@ -5,15 +5,13 @@
 
 #include "common/UStringX.h"
 
-class LumoraReportFilter;
+class LumoraReportQuery;
 class PortalContext;
-struct ReportDefinition;
 
 // The rows of tables that the run would read, as the server expects (EXPLAIN); it costs a
 // millisecond. 0 when there is no telling, for instance because the statement is wrong: then the
 // run itself says so.
-uint64_t EstimateRows(PortalContext& ctx, const ReportDefinition& definition,
-                      const LumoraReportFilter& filter);
+uint64_t EstimateRows(PortalContext& ctx, const LumoraReportQuery& query);
 
 // More than this many rows are read only by a request that confirms it; 0: never asked. The setting
 // "reportWarnRows", 5,000,000 where it is missing or no number.
